@@ -1,0 +1,30 @@
+// Every bound that hostile input may meet, in one place. Functions take them as default arguments.
+#pragma once
+
+#include <cstddef>
+
+namespace varnpdf::limits {
+
+/// Longest document that is opened, in bytes.
+inline constexpr std::size_t kDocumentBytes = 1'000'000'000;
+/// Largest /Size of the newest trailer.
+inline constexpr int kDeclaredSize = 499'999;
+/// Object records of one document: twice the accepted /Size leaves room for tables that list more than they declare.
+inline constexpr std::size_t kObjectRecords = 1'000'000;
+/// Nesting of arrays and dictionaries, of page-tree nodes and of indefinite-length DER values.
+inline constexpr int kNesting = 500;
+/// Links followed from a page or field to its /Parent.
+inline constexpr int kParents = 500;
+/// Sections of one /Prev chain. Each costs a record, so the chain is bounded although it cannot loop.
+inline constexpr std::size_t kSections = 100'000;
+/// Growth factors of the inflate buffers: a stream that inflates to more than this times its length is refused.
+inline constexpr std::size_t kInflateFactor = 1490;
+/// What all object streams of a document, or all its cross-reference streams, may inflate to together:
+/// a fixed part for small files and a part that grows with the file.
+inline constexpr std::size_t kInflatedBytesBase = std::size_t{256} << 20U;
+inline constexpr std::size_t kInflatedBytesPerByte = 20;
+/// Objects may overlap in damaged files; together they may cover the file only so many times.
+inline constexpr std::size_t kObjectBytesBase = std::size_t{64} << 20U;
+inline constexpr std::size_t kObjectBytesPerByte = 8;
+
+}  // namespace varnpdf::limits
