@@ -1,0 +1,217 @@
+// Finding a key in the raw text of a dictionary.
+#include "model/DictionaryEntry.h"
+
+#include <array>
+
+namespace varnpdf {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+// Bytes at which the scan has to decide something; everything between them is stepped over.
+constexpr std::array<bool, 256> stopTable(std::string_view stops) {
+    std::array<bool, 256> table{};
+    for (const char c : stops) table[static_cast<unsigned char>(c)] = true;
+    return table;
+}
+
+class EntryScanner {
+public:
+    EntryScanner(std::string_view text, std::string_view key, EntryLookup how)
+        : text_(text), key_(key.starts_with('/') ? key.substr(1) : key), how_(how), at_(how.start) {
+        if (at_ > 0 && text.substr(0, at_).find("<<") != kNone) depth_ = 1;
+    }
+
+    std::optional<DictionaryEntry> find() {
+        for (;;) {
+            at_ = nextStop(at_);
+            if (at_ >= text_.size()) return std::nullopt;
+            if (text_[at_] == '/') {
+                const std::size_t begin = at_++;
+                if (matches(begin + 1)) return readValue(begin, begin + 1 + key_.size());
+            } else if (!step()) {
+                return std::nullopt;
+            }
+        }
+    }
+
+private:
+    [[nodiscard]] std::size_t nextStop(std::size_t at) const {
+        static constexpr auto kStops = stopTable("/(<>[");
+        while (at < text_.size() && !kStops[static_cast<unsigned char>(text_[at])]) ++at;
+        return at;
+    }
+
+    [[nodiscard]] bool has(std::size_t at, char c) const { return at < text_.size() && text_[at] == c; }
+
+    [[nodiscard]] bool matches(std::size_t at) const {
+        if (!text_.substr(at).starts_with(key_)) return false;
+        const std::size_t end = at + key_.size();
+        return end == text_.size() || !isRegular(text_[end]);
+    }
+
+    // Steps over what begins at a stop other than a name; false when the search is over.
+    bool step() {
+        const char c = text_[at_];
+        if (c == '<' && has(at_ + 1, '<') && (depth_ == 0 || how_.nested)) {
+            ++depth_;
+            at_ += 2;
+        } else if (c == '>') {
+            if (!has(at_ + 1, '>')) {
+                ++at_;
+                return true;
+            }
+            at_ += 2;
+            return depth_ == 0 || --depth_ > 0;
+        } else if (c == '[' && (depth_ == 0 || how_.nested)) {
+            ++at_;
+        } else {
+            at_ = unitEnd(at_);
+        }
+        return at_ != kNone;
+    }
+
+    // Behind the string, hexadecimal string, array or dictionary at `at`; kNone when it is not closed.
+    [[nodiscard]] std::size_t unitEnd(std::size_t at) const {
+        switch (text_[at]) {
+            case '(':
+                return stringEnd(at);
+            case '[':
+                return arrayEnd(at);
+            default:
+                return has(at + 1, '<') ? dictionaryEnd(at) : hexEnd(at);
+        }
+    }
+
+    [[nodiscard]] std::size_t stringEnd(std::size_t at) const {
+        do {
+            at = text_.find(')', at + 1);
+            if (at == kNone) return kNone;
+        } while (text_[at - 1] == '\\');
+        return at + 1;
+    }
+
+    [[nodiscard]] std::size_t hexEnd(std::size_t at) const {
+        const std::size_t end = text_.find('>', at);
+        return end == kNone ? kNone : end + 1;
+    }
+
+    [[nodiscard]] std::size_t arrayEnd(std::size_t at) const {
+        static constexpr auto kStops = stopTable("[](<");
+        std::size_t open = 0;
+        while (at < text_.size()) {
+            const char c = text_[at];
+            if (!kStops[static_cast<unsigned char>(c)]) {
+                ++at;
+            } else if (c == '(') {
+                at = stringEnd(at);
+            } else if (c == '<') {
+                at = has(at + 1, '<') ? at + 2 : hexEnd(at);
+            } else {
+                ++at;
+                if (c == '[') {
+                    ++open;
+                } else if (--open == 0) {
+                    return at;
+                }
+            }
+        }
+        return kNone;
+    }
+
+    [[nodiscard]] std::size_t dictionaryEnd(std::size_t at) const {
+        static constexpr auto kStops = stopTable("<>(");
+        std::size_t open = 0;
+        while (at < text_.size()) {
+            const char c = text_[at];
+            if (!kStops[static_cast<unsigned char>(c)]) {
+                ++at;
+            } else if (c == '(') {
+                at = stringEnd(at);
+            } else if (!has(at + 1, c)) {
+                at = c == '<' ? hexEnd(at) : at + 1;
+            } else {
+                at += 2;
+                if (c == '<') {
+                    ++open;
+                } else if (--open == 0) {
+                    return at;
+                }
+            }
+        }
+        return kNone;
+    }
+
+    std::optional<DictionaryEntry> readValue(std::size_t key, std::size_t at) const {
+        while (at < text_.size() && std::string_view(" \n\r\t").find(text_[at]) != kNone) ++at;
+        if (at == text_.size()) return std::nullopt;
+        const char c = text_[at];
+        std::size_t end = at;
+        if (c == '(' || c == '[' || c == '<') {
+            end = unitEnd(at);
+        } else if (c == '/') {
+            if (how_.namesAsValues) end = nameEnd(at);
+        } else if (!closes(at)) {
+            end = plainEnd(at);
+        }
+        if (end == kNone) return std::nullopt;
+        std::size_t trimmed = end;
+        while (trimmed > at && text_[trimmed - 1] == ' ') --trimmed;
+        return DictionaryEntry{key, {at, trimmed}, trimmed};
+    }
+
+    [[nodiscard]] bool closes(std::size_t at) const {
+        if (text_[at] == '>') return has(at + 1, '>');
+        return depth_ == 0 && text_[at] == ']';
+    }
+
+    // A name as a value runs on across '(' and '<'.
+    [[nodiscard]] std::size_t nameEnd(std::size_t at) const {
+        for (++at; at < text_.size(); ++at) {
+            const char c = text_[at];
+            if (isWhite(c) || c == '/' || c == '>') break;
+        }
+        return at;
+    }
+
+    // Numbers, references and bare words run to the next name or the end of the dictionary.
+    [[nodiscard]] std::size_t plainEnd(std::size_t at) const {
+        static constexpr auto kStops = stopTable("/>]");
+        for (; at < text_.size(); ++at) {
+            if (!kStops[static_cast<unsigned char>(text_[at])]) continue;
+            if (text_[at] == '/' || closes(at)) return at;
+        }
+        return depth_ == 0 ? at : kNone;
+    }
+
+    std::string_view text_;
+    std::string_view key_;
+    EntryLookup how_;
+    std::size_t at_;
+    std::size_t depth_ = 0;
+};
+
+}  // namespace
+
+std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view key, EntryLookup how) {
+    return EntryScanner(text, key, how).find();
+}
+
+std::optional<DictionaryEntry> findLaterEntry(std::string_view text, std::string_view key, bool namesAsValues) {
+    const auto first = findEntry(text, key, {.namesAsValues = namesAsValues});
+    if (!first) return std::nullopt;
+    const auto second =
+        findEntry(text, key, {.namesAsValues = namesAsValues, .start = first->key + key.size()});
+    return second ? second : first;
+}
+
+std::string_view entryValue(std::string_view text, std::string_view key) {
+    const auto entry = findLaterEntry(text, key);
+    return entry ? entry->value.of(text) : std::string_view{};
+}
+
+std::optional<int> entryInt(std::string_view text, std::string_view key) {
+    return Cursor(entryValue(text, key)).takeInt();
+}
+
+}  // namespace varnpdf

@@ -1,0 +1,206 @@
+// The record of an indirect object: fields, ownership of its text, dictionary types.
+#include "varnpdf/PdfObj.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <log4cxx/logger.h>
+
+#include "model/DictionaryEntry.h"
+#include "support/Log.h"
+
+using namespace varnpdf;
+
+log4cxx::LoggerPtr CPdfObj::m_logger = log4cxx::Logger::getLogger("VarnPDF.CPdfObj");
+
+namespace {
+
+std::unique_ptr<char[]> terminatedCopy(std::string_view text) {
+    auto copy = std::make_unique_for_overwrite<char[]>(text.size() + 1);
+    std::memcpy(copy.get(), text.data(), text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+std::unique_ptr<char[]> entryCopy(std::string_view text, std::string_view key) {
+    const auto entry = findEntry(text, key);
+    return entry ? terminatedCopy(entry->value.of(text)) : nullptr;
+}
+
+}  // namespace
+
+CPdfObj::CPdfObj() = default;
+
+CPdfObj::CPdfObj(int objNum, int genNum, int fromPos, int toPos)
+    : objNum_(objNum), genNum_(genNum), fromPos_(fromPos), toPos_(toPos) {}
+
+CPdfObj::~CPdfObj() = default;
+
+void CPdfObj::Init() {
+    objectType_ = eContentUndefined;
+    inUseKeyword_ = 'f';
+    status_ = true;
+    hasColumns_ = false;
+    hasPredictor_ = true;
+    columns_ = 0;
+    predictor_ = 1;
+    objNum_ = genNum_ = fromPos_ = toPos_ = -1;
+    text_ = nullptr;
+    contentLen_ = storedLen_ = 0;
+    owned_.reset();
+    dictionaryType_.reset();
+    dictionarySubtype_.reset();
+    typesKnown_ = true;
+    changed();
+}
+
+void CPdfObj::CopyFrom(CPdfObj* other) {
+    if (other == nullptr || other == this) return;
+    rememberDictionaryTypes();
+    objNum_ = other->objNum_;
+    genNum_ = other->genNum_;
+    fromPos_ = other->fromPos_;
+    toPos_ = other->toPos_;
+    inUseKeyword_ = other->inUseKeyword_;
+    status_ = other->status_;
+    objectType_ = other->objectType_;
+    assign(other->content());
+    contentLen_ = other->contentLen_;
+}
+
+CPdfObj& CPdfObj::operator=(CPdfObj& other) {
+    CopyFrom(&other);
+    return *this;
+}
+
+void CPdfObj::SetPosition(int from, int to) {
+    fromPos_ = from;
+    toPos_ = to;
+}
+
+unsigned char* CPdfObj::GetContent() {
+    if (text_ == nullptr) return nullptr;
+    if (!owned_) {
+        auto copy = std::make_unique_for_overwrite<unsigned char[]>(static_cast<std::size_t>(storedLen_) + 1);
+        std::memcpy(copy.get(), text_, static_cast<std::size_t>(storedLen_));
+        copy[static_cast<std::size_t>(storedLen_)] = 0;
+        owned_ = std::move(copy);
+        text_ = reinterpret_cast<const char*>(owned_.get());
+    }
+    return owned_.get();
+}
+
+std::string_view CPdfObj::content() const noexcept {
+    const int length = std::clamp(contentLen_, 0, storedLen_);
+    return {text_, static_cast<std::size_t>(length)};
+}
+
+void CPdfObj::SetContentLen(int len) {
+    rememberDictionaryTypes();
+    contentLen_ = len;
+    changed();
+}
+
+void CPdfObj::SetInUseKeyword(char c) {
+    if (c == 'f' || c == 'n') inUseKeyword_ = c;
+}
+
+void CPdfObj::SetiDecodeParms_Colums(int columns) {
+    columns_ = columns;
+    hasColumns_ = columns >= 0;
+}
+
+void CPdfObj::SetiDecodeParms_Predictor(int predictor) {
+    predictor_ = predictor;
+    hasPredictor_ = predictor == 1 || predictor == 2 || (predictor >= 10 && predictor <= 15);
+}
+
+char* CPdfObj::get_dictionary_type() {
+    rememberDictionaryTypes();
+    return dictionaryType_.get();
+}
+
+char* CPdfObj::get_dictionary_subtype() {
+    rememberDictionaryTypes();
+    return dictionarySubtype_.get();
+}
+
+void CPdfObj::SetContent(unsigned char* text, int len) {
+    const bool none = text == nullptr || len <= 0;
+    setContent(none ? std::string_view{}
+                    : std::string_view(reinterpret_cast<const char*>(text), static_cast<std::size_t>(len)));
+}
+
+void CPdfObj::SetContentDummy(unsigned char* text, int len) {
+    logDebug(m_logger, "SetContent Laenge: ", len);
+    SetContent(text, len);
+}
+
+void CPdfObj::SetContentDummySpezial(unsigned char* /*text*/, int len) { SetContentLen(len); }
+
+void CPdfObj::setContent(std::string_view text) {
+    if (text.empty()) {
+        owned_.reset();
+        text_ = nullptr;
+        storedLen_ = 0;
+    } else {
+        assign(text);
+    }
+    dictionaryType_.reset();
+    dictionarySubtype_.reset();
+    typesKnown_ = text_ == nullptr;
+    changed();
+}
+
+void CPdfObj::borrowContent(std::string_view text) noexcept {
+    owned_.reset();
+    dictionaryType_.reset();
+    dictionarySubtype_.reset();
+    typesKnown_ = false;
+    text_ = text.data();
+    contentLen_ = storedLen_ = static_cast<int>(text.size());
+    changed();
+}
+
+std::string_view CPdfObj::typeEntry() {
+    if (!typeEntryKnown_) {
+        const auto entry = findLaterEntry(content(), "/Type");
+        typeEntryPos_ = entry ? static_cast<int>(entry->value.begin) : 0;
+        typeEntryLen_ = entry ? static_cast<int>(entry->value.size()) : 0;
+        typeEntryKnown_ = true;
+    }
+    return content().substr(static_cast<std::size_t>(typeEntryPos_), static_cast<std::size_t>(typeEntryLen_));
+}
+
+// Takes a copy of the text; `text` may be part of the present one.
+void CPdfObj::assign(std::string_view text) {
+    auto copy = std::make_unique_for_overwrite<unsigned char[]>(text.size() + 1);
+    std::copy(text.begin(), text.end(), copy.get());
+    copy[text.size()] = 0;
+    owned_ = std::move(copy);
+    text_ = text.empty() ? nullptr : reinterpret_cast<const char*>(owned_.get());
+    contentLen_ = storedLen_ = static_cast<int>(text.size());
+    changed();
+}
+
+// Edits in place leave the dictionary types as they were when the text was set.
+void CPdfObj::splice(std::size_t begin, std::size_t end, std::string_view replacement) {
+    rememberDictionaryTypes();
+    const std::string_view old = content();
+    std::string edited;
+    edited.reserve(old.size() + replacement.size());
+    append(edited, old.substr(0, begin), replacement, old.substr(end));
+    assign(edited);
+}
+
+void CPdfObj::rememberDictionaryTypes() {
+    if (typesKnown_) return;
+    dictionaryType_ = entryCopy(content(), "/Type");
+    dictionarySubtype_ = entryCopy(content(), "/Subtype");
+    typesKnown_ = true;
+}
+
+void CPdfObj::changed() noexcept {
+    typeEntryKnown_ = false;
+    if (revision_ != nullptr) ++*revision_;
+}

@@ -1,0 +1,107 @@
+// Cross-reference entries, subsections and their list.
+#include "varnpdf/PdfXRef.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+CPdfXRefEntry::CPdfXRefEntry() = default;
+CPdfXRefEntry::~CPdfXRefEntry() = default;
+
+void CPdfXRefEntry::SetPos(int pos) {
+    IsFree = 0;
+    Offset = pos;
+    GenNumber = 0;
+}
+
+CPdfXRef::CPdfXRef() = default;
+
+CPdfXRef::CPdfXRef(int start, int count) { SetRef(start, count); }
+
+CPdfXRef::CPdfXRef(CPdfXRef* other) { CopyFrom(other); }
+
+CPdfXRef::CPdfXRef(const CPdfXRef& other) { CopyFrom(const_cast<CPdfXRef*>(&other)); }
+
+CPdfXRef::~CPdfXRef() { ClearAll(); }
+
+CPdfXRef& CPdfXRef::operator=(CPdfXRef& other) {
+    CopyFrom(&other);
+    return *this;
+}
+
+void CPdfXRef::Init() {
+    RefEntry = nullptr;
+    RefStart = 0;
+    RefNum = 0;
+    IsFree = 1;
+}
+
+void CPdfXRef::SetRef(int start, int count) {
+    ClearAll();
+    RefStart = start;
+    RefNum = std::max(count, 0);
+    RefEntry = new CPdfXRefEntry[static_cast<std::size_t>(RefNum)];
+    for (int i = 0; i < RefNum; ++i) RefEntry[i].SetIsFree(1);
+}
+
+void CPdfXRef::AddEntry(CPdfXRefEntry entry) {
+    const auto count = static_cast<std::size_t>(std::max(RefNum, 0));
+    auto grown = std::make_unique<CPdfXRefEntry[]>(count + 1);
+    std::copy_n(RefEntry, RefEntry == nullptr ? 0 : count, grown.get());
+    grown[count] = entry;
+    delete[] RefEntry;
+    RefEntry = grown.release();
+    RefNum = static_cast<int>(count) + 1;
+}
+
+void CPdfXRef::CopyFrom(CPdfXRef* other) {
+    if (other == nullptr || other == this) return;
+    ClearAll();
+    RefStart = other->RefStart;
+    IsFree = other->IsFree;
+    if (other->RefNum < 1 || other->RefEntry == nullptr) return;
+    RefEntry = new CPdfXRefEntry[static_cast<std::size_t>(other->RefNum)];
+    RefNum = other->RefNum;
+    std::copy_n(other->RefEntry, RefNum, RefEntry);
+}
+
+void CPdfXRef::ClearAll() {
+    delete[] RefEntry;
+    RefEntry = nullptr;
+    RefNum = 0;
+}
+
+CPdfXRefContainer::CPdfXRefContainer() = default;
+
+CPdfXRefContainer::~CPdfXRefContainer() { delete[] XRef; }
+
+void CPdfXRefContainer::AddXRef(CPdfXRef* xref) {
+    if (xref == nullptr) return;
+    auto grown = std::make_unique<CPdfXRef[]>(static_cast<std::size_t>(XRefNum) + 1);
+    for (int i = 0; i < XRefNum; ++i) grown[static_cast<std::size_t>(i)].swap(XRef[i]);
+    grown[static_cast<std::size_t>(XRefNum)] = *xref;
+    delete[] XRef;
+    XRef = grown.release();
+    ++XRefNum;
+}
+
+void CPdfXRefContainer::SortXRefList() {
+    if (XRefNum < 2) return;
+    const auto count = static_cast<std::size_t>(XRefNum);
+    std::vector<std::size_t> order(count);
+    for (std::size_t i = 0; i < count; ++i) order[i] = i;
+    std::stable_sort(order.begin(), order.end(),
+                     [this](std::size_t a, std::size_t b) { return XRef[a].GetRefStart() < XRef[b].GetRefStart(); });
+    auto sorted = std::make_unique<CPdfXRef[]>(count);
+    for (std::size_t i = 0; i < count; ++i) sorted[i].swap(XRef[order[i]]);
+    delete[] XRef;
+    XRef = sorted.release();
+}
+
+void CPdfXRef::swap(CPdfXRef& other) noexcept {
+    std::swap(RefEntry, other.RefEntry);
+    std::swap(RefStart, other.RefStart);
+    std::swap(RefNum, other.RefNum);
+    std::swap(IsFree, other.IsFree);
+}
