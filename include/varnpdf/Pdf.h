@@ -1,0 +1,293 @@
+// CPdf: one document held whole in memory. The operations are grouped by what they do.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "varnpdf/ByteStream.h"
+#include "varnpdf/PdfObj.h"
+#include "varnpdf/PdfSigInfo.h"
+#include "varnpdf/PdfTrailer.h"
+#include "varnpdf/export.h"
+
+namespace varnpdf {
+class Bytes;
+class KeywordSearch;
+class ObjectTable;
+struct ByteRange;
+struct FieldWidths;
+struct IndexPair;
+struct ObjectList;
+}  // namespace varnpdf
+
+/// One document. Construct, `Open` (or `ParseContent`), read; `Close` or destroy at the end. A `CPdf` is used for one
+/// document and by one thread at a time; different documents may be used by different threads at the same time.
+class VARNPDF_EXPORT CPdf {
+public:
+    CPdf();
+    CPdf(const CPdf&) = delete;
+    CPdf& operator=(const CPdf&) = delete;
+    virtual ~CPdf();
+
+    // --- opening ---------------------------------------------------------------------------------------------------
+
+    /// Opens a document: reads the whole file, checks it, reads every cross-reference section and all objects and
+    /// evaluates the lock state. `mode` is passed to fopen ("rb").
+    /// @return 0, or VARNPDF_CAN_NOT_LOAD_PDF_FILE (-1001), VARNPDF_PDF_MAXSIZE (-1013),
+    ///         VARNPDF_PDF_MEMORY_ALLOCATION (-1014), -1018 (cross-reference data or objects unreadable, /Size below 1
+    ///         or above 499,999), VARNPDF_PDF_ENCRYPTED (-1021), VARNPDF_NO_PDF_FILE (-1029), VARNPDF_NO_ROOT (-1060),
+    ///         VARNPDF_ROOT_OBJECT_MISSING (-1061)
+    int Open(const char* filename, const char* mode);
+    /// `Open` again with the stored file name.
+    int Reopen(char* mode);
+    /// Loads a document from memory; the bytes are copied. No check of the document is made: use `Open` for files from
+    /// outside. `release` has no effect: a document that already holds content takes no other.
+    /// @return 0, or -1 when `data` is null, `len` is 0 or content is already held
+    int ParseContent(unsigned char* data, unsigned int len, bool release);
+    /// Header, "startxref" and cross-reference keyword are where a PDF has them. Stores the version. `content` is the
+    /// NUL-terminated content of this document.
+    bool IsPDF(char* content);
+    /// Line end of the first 99 bytes: 0 CR LF, 1 LF, 2 CR, -1 none or no PDF header.
+    int CheckLineEndType(char* content);
+    /// The document's line end as text, "" when unknown.
+    [[nodiscard]] std::string the_line_end() const;
+    /// The stored line-end type, as `CheckLineEndType` returns it.
+    [[nodiscard]] int GetLineEndType() const { return lineEndType_; }
+    /// Closes the file if it is open; content and objects stay.
+    void Close();
+    void set_pdf_file_name(char* name);
+    /// Header version, e.g. 1.7.
+    [[nodiscard]] float GetPDFVersion() const { return version_; }
+    /// 1 when the newest trailer carries /Encrypt, else 0.
+    [[nodiscard]] int PdfIsEncrypted() const { return encrypted_; }
+    [[nodiscard]] bool get_IsLinearized() const { return linearized_; }
+    /// The document's bytes, NUL-terminated, owned by the document; null when none are held.
+    [[nodiscard]] unsigned char* GetContent() { return content_.get(); }
+    /// Number of bytes of the document.
+    [[nodiscard]] unsigned int GetContentLen() const { return contentLen_; }
+
+    // --- searching the bytes ---------------------------------------------------------------------------------------
+
+    /// Offset of the last occurrence of a keyword that stands alone (white space around it, or '<' behind it), -1
+    /// without one. "startxref" is sought in the last 1024 bytes only.
+    int GotoLastId(const char* keyword);
+    /// The first such occurrence behind `start`.
+    int GotoNextId(const char* keyword, int start);
+    /// The engine of both: mode 1 next, mode 2 last. 0 when no content is held.
+    int GotoIdGeneral(const char* keyword, int mode, int start);
+    /// Copies the line at `pos` into `out`, terminated, line ends in front of it skipped. `out` must hold the line;
+    /// returns the offset behind its last character.
+    int GetLine(char* out, int pos);
+    /// At most `max` characters of it; `out` holds `max` + 1 bytes.
+    int GetLine(char* out, int pos, int max);
+
+    // --- object table ----------------------------------------------------------------------------------------------
+
+    /// Stores an object under a free slot; the document then owns it. When the slot is taken nothing changes and the
+    /// object stays the caller's.
+    void set_pdf_obj_to_map(int slot, CPdfObj* obj);
+    /// The object of a slot or null. Owned by the document.
+    CPdfObj* get_pdf_obj_from_map(int slot);
+    /// The object with the lowest slot not below the given one, or null.
+    CPdfObj* search_map_by_value(int slot);
+    /// The largest object number of all objects; 0 without objects.
+    int get_max_obj_num_from_map();
+    /// The largest object number in slots 0 to object count - 1; 0 without objects.
+    int GetMaxObjNumFromPDFArray();
+    /// The highest slot below the object count whose object has this number; 0 when none has.
+    int GetArrayNum(int objnum);
+    /// No effect; returns 1.
+    int SetPdfObjArraySize(int size);
+    /// No effect; returns 1.
+    int SetPdfObjArrayResize(int size);
+    /// Always 1.
+    int IstObjPosKorrekt(int objnum, int offset);
+    [[nodiscard]] int GetObjNum() const { return objectCount_; }
+    void SetObjNum(int count) { objectCount_ = count; }
+    /// Takes over a pair of object numbers.
+    void AddListItem(CPdfObjTransferListItem* item);
+    [[nodiscard]] std::string GetIdent() const { return ident_; }
+    [[nodiscard]] int GetPagesParent() const { return pagesParent_; }
+    void SetPagesParent(int objnum) { pagesParent_ = objnum; }
+    /// Logs the object table at debug level.
+    void DebugShowObjectInfo();
+    /// Logs the trailers at debug level.
+    void DebugShowTrailerInfo();
+
+    // --- trailers and cross-reference sections ---------------------------------------------------------------------
+
+    /// Finds the newest cross-reference section from "startxref" and fills the last and the update trailer.
+    void RetrieveLastPdfTrailer();
+    /// Fills `trailer` from the section at `*offset`. Always true; a section that cannot be read has no content.
+    bool RetrievePdfTrailer(CPdfTrailer* trailer, int* offset);
+    /// Sets or clears the linearized flag (ISO 32000-2 annex F).
+    void CheckLinearization();
+    /// Records every entry of a section in the object table; false when the section cannot be read.
+    bool ExtractTrailer(CPdfTrailer* trailer);
+    /// Records the entries of the companion stream of a hybrid file at the trailer's /XRefStm.
+    bool ExtractXRefStm(CPdfTrailer* trailer);
+    /// Records one cross-reference entry: `type` is the keyword, "f" or "n".
+    void SetPdfObjArrayData(int objnum, int offset, int gen, char* type, int streamObjNr, int indexInStream,
+                            bool compressed);
+    /// Reads all sections and loads all objects; false when that cannot be done.
+    bool RetrieveObjects();
+    /// The newest section's trailer, or null. Owned by the document.
+    [[nodiscard]] CPdfTrailer* GetLastTrailer() const { return lastTrailer_.get(); }
+    /// The trailer prepared for an update, or null. Owned by the document.
+    [[nodiscard]] CPdfTrailer* GetUpdateTrailer() const { return updateTrailer_.get(); }
+    /// Number of sections behind the newest one, in the order they were read.
+    [[nodiscard]] int GetTrailerCount() const { return static_cast<int>(trailers_.size()); }
+    /// One of them (from 0), or null. Owned by the document.
+    [[nodiscard]] CPdfTrailer* GetTrailer(int index) const;
+
+    // --- dictionary entries ----------------------------------------------------------------------------------------
+
+    /// One entry of an object's dictionary; of two occurrences the later wins. `out` holds the object's content length
+    /// + 1 bytes, zeroed by the caller. 1 when found, else 0.
+    int ReadDictionaryEntry(CPdfObj* obj, const char* key, char* out, int* keyPos, int* endPos);
+    /// The same, nested dictionaries and arrays included; the first occurrence wins.
+    int ReadDictionaryEntryWithInDict(CPdfObj* obj, const char* key, char* out, int* keyPos, int* endPos);
+
+    // --- pages -----------------------------------------------------------------------------------------------------
+
+    /// The page with the 0-based index in document order, its box (four int, lower left corner first, fractions
+    /// dropped) and rotation (degrees, 0 to 359), both inherited (ISO 32000-2 7.7.3.4). Null when there is no such
+    /// page. `mediaBox` and `rotate` may be null. Owned by the document.
+    CPdfObj* GetPdfPageObject(CPdfObj* pagesRoot, int pageIndex, int* mediaBox, int* rotate);
+    /// Depth-first search of one level of the page tree, given as reference list without brackets. `*counter` counts
+    /// the pages passed.
+    CPdfObj* GetPageObjectFromArray(char* refList, int* counter, int pageIndex);
+    /// Page index (from 0) of a page object; -1 when no page has this number, no catalogue or an encrypted document.
+    int GetPageNoFromObjRef(int* objNum, int* genNum);
+
+    // --- signatures ------------------------------------------------------------------------------------------------
+    // A null buffer asks for the size; a second call with a buffer of that size and the length holding it fetches the
+    // value. Signature indexes count from 0 in ascending order of the fields' object numbers.
+
+    /// Counts the signed signature fields and refills the register.
+    int PdfGetNumSignatures();
+    /// The field object of a signature, or null for an index that is negative or not below the number of signatures,
+    /// as last counted by `GetSignatureField`, minus one.
+    CPdfObj* GetPdfObjBySigIndex(int index);
+    /// Appends the /T text of every signature field, signed or empty, as it stands in the file.
+    void create_vectorlist_of_signatures(std::vector<std::string>& names);
+    /// One entry of an object; `buffer` holds the object's content length + 1 bytes. `*length` (may be null) receives
+    /// the strlen of the value. 1 when found, else 0.
+    int GetSignRefVal(CPdfObj* obj, char* key, char* buffer, int* length);
+    /// One value of a signature dictionary (ISO 32000-2 table 255) by tag: 1 /Reason, 2 /Location, 3 /M, 4 /Name,
+    /// 5 /Filter, 6 /SubFilter, 7 /ByteRange, 8 /Contents, 9 /FT, 10 /Cert, 11 /Type, 12 /R, 13 /ContactInfo.
+    /// @param buffer  room for the signature dictionary's text and a terminator; the document's length + 1 always does
+    /// @param length  receives the value's length in bytes; an absent key gives an empty value
+    /// @return 0, or VARNPDF_NO_SIGNATURE_VALUE (-1): no such signature, its field has no /V, or no such tag
+    int GetSignatureField(int index, int tag, char* buffer, int* length);
+    /// The signed bytes. The length of the buffer is neither read nor written when one is given.
+    /// @return 0, -1, VARNPDF_NO_SIGNATURE (-113) or VARNPDF_BYTE_RANGE_UNUSABLE (-22)
+    int GetSignatureBlob(int index, unsigned char* buffer, unsigned long* length);
+    /// The PKCS#7 value (RFC 5652), without the padding of its room.
+    /// @return 0, -1, -22, VARNPDF_PKCS7_EMPTY (-114) or VARNPDF_PKCS7_UNREADABLE (-115)
+    int GetSignaturePKCS7(int index, unsigned char* buffer, unsigned long* length);
+    /// The PKCS#1 value (a DER OCTET STRING in /Contents) as hexadecimal text; the size counts bytes, the buffer holds
+    /// twice as many characters.
+    /// @return 0, -1, -22 or VARNPDF_PKCS1_UNREADABLE (-117)
+    int GetSignPKCS1(int index, unsigned char* buffer, unsigned int* length);
+    /// The same value as bytes.
+    int GetSignaturePKCS1(int index, unsigned char* buffer, unsigned long* length);
+    /// Text of one certificate of /Cert, terminated: hexadecimal digits (the size counts bytes, half as many) or the
+    /// value as it stands. The buffer holds 2 * size + 2 bytes.
+    /// @return 0, VARNPDF_CERTIFICATE_MISSING (-118) or VARNPDF_INDEX_NEGATIVE (-1008)
+    int GetSignPKCS1Cert(int index, int certificate, unsigned char* buffer, unsigned int& length);
+    /// The same certificate as bytes; also -117 when its digits cannot be decoded.
+    int GetSignaturePKCS1Cert(int index, int certificate, unsigned char* buffer, unsigned long* length);
+    /// The register filled by `PdfGetNumSignatures`. Owned by the document.
+    [[nodiscard]] CPdfSigInfo* GetSigInfo() { return &sigInfo_; }
+
+    // --- lock state ------------------------------------------------------------------------------------------------
+
+    /// Evaluates whether a signature locks the document against every further change; `Open` does this.
+    void check_lockstate();
+    /// 1 when everything is locked, else 0.
+    [[nodiscard]] int get_lockstate() const { return lockState_; }
+
+private:
+    struct FileCloser {
+        void operator()(std::FILE* file) const noexcept;
+    };
+    struct FreeBytes {
+        void operator()(unsigned char* bytes) const noexcept;
+    };
+
+    [[nodiscard]] std::string_view view() const noexcept;
+    int loadFile(const char* filename, const char* mode);
+    int checkDocument();
+    int checkNewestTrailer();
+    int findRoot();
+    bool readContent(std::size_t length);
+    std::size_t nextId(std::string_view keyword, std::size_t start);
+    varnpdf::KeywordSearch& search(std::string_view keyword, bool standalone);
+    std::size_t readStartXRef(std::size_t at);
+    bool takeNewestSection(std::size_t offset);
+    bool takeNewestTable(std::size_t offset);
+    bool takeNewestStream(std::size_t offset);
+    void readNewestKeys();
+    bool recordEntry(long long objnum, int offset, int gen, bool isFree, int streamObjNr, int indexInStream,
+                     bool compressed);
+    bool extractTable(CPdfTrailer& trailer);
+    bool extractStream(CPdfTrailer& trailer);
+    bool extractRows(CPdfTrailer& trailer, varnpdf::Bytes& data);
+    bool recordRows(std::string_view rows, const varnpdf::FieldWidths& widths,
+                    const std::vector<varnpdf::IndexPair>& pairs);
+    CPdfTrailer* readSection(int offset, const char* kind);
+    void readSectionChain();
+    void raiseSize(int size);
+    bool loadPlainObjects();
+    bool loadObjectStreams();
+    bool unpackObjectStream(CPdfObj& stream);
+    bool placeUnpacked(CPdfObj& stream, std::string_view decoded, std::size_t count, std::size_t first);
+    [[nodiscard]] std::size_t inflateBudget() const noexcept;
+    CPdfObj* referencedObject(std::string_view value);
+    const std::vector<CPdfObj*>& pageList(CPdfObj& root);
+    void walkPages(std::string_view references, std::vector<CPdfObj*>& pages);
+    std::string_view kidsOf(CPdfObj& node);
+    const std::vector<CPdfObj*>& signatureFields();
+    bool isSignatureField(CPdfObj& obj);
+    int readSignatureValue(int index, int tag, std::string& value);
+    int readByteRange(int index, varnpdf::ByteRange& range);
+    bool lockedBySignature(std::string_view signature);
+    bool lockedByTransform(std::string_view dictionary);
+
+    std::vector<std::unique_ptr<CPdfTrailer>> trailers_;
+    std::vector<std::unique_ptr<CPdfObjTransferListItem>> transfers_;
+    std::unique_ptr<std::FILE, FileCloser> file_;
+    std::unique_ptr<unsigned char[], FreeBytes> content_;
+    unsigned int contentLen_ = 0;
+    int encrypted_ = 0;
+    int objectCount_ = 0;
+    std::string fileName_;
+    std::string ident_;
+    float version_ = 0;
+    int lineEndType_ = -1;
+    bool linearized_ = false;
+    CByteStream output_;
+    std::unique_ptr<CPdfTrailer> updateTrailer_;
+    std::unique_ptr<CPdfTrailer> lastTrailer_;
+    std::vector<std::unique_ptr<varnpdf::KeywordSearch>> searches_;
+    std::vector<std::unique_ptr<char[]>> unpacked_;  // texts of objects taken from object streams
+    std::size_t inflated_ = 0;                       // bytes unpacked so far from both kinds of stream
+    std::unique_ptr<varnpdf::ObjectTable> objects_;
+    std::unique_ptr<varnpdf::ObjectList> pages_;
+    std::unique_ptr<varnpdf::ObjectList> signatures_;
+    CPdfSigInfo sigInfo_;
+    int pagesParent_ = 0;
+    int lockState_ = 0;
+    bool signaturesCounted_ = false;
+    int signatureCount_ = 0;
+
+    static std::shared_ptr<log4cxx::Logger> m_logger;
+};
+
+/// Position of the first occurrence of `needle` in `haystack`, both lowered; -1 without one.
+VARNPDF_EXPORT int stringfind_lower(std::string haystack, std::string needle);

@@ -1,0 +1,12 @@
+// Everything a host of libvarnpdf includes.
+#pragma once
+
+#include "varnpdf/ByteStream.h"
+#include "varnpdf/Pdf.h"
+#include "varnpdf/PdfHelper.h"
+#include "varnpdf/PdfObj.h"
+#include "varnpdf/PdfSigInfo.h"
+#include "varnpdf/PdfTrailer.h"
+#include "varnpdf/PdfXRef.h"
+#include "varnpdf/TokHelp.h"
+#include "varnpdf/result.h"

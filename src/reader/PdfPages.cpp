@@ -1,0 +1,168 @@
+// CPdf: the page tree (ISO 32000-2 7.7.3).
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <unordered_set>
+
+#include "model/DictionaryEntry.h"
+#include "model/ObjectList.h"
+#include "model/ObjectTable.h"
+#include "support/Limits.h"
+#include "support/Log.h"
+#include "syntax/Reference.h"
+#include "varnpdf/Pdf.h"
+
+using namespace varnpdf;
+
+namespace {
+
+// The next reference of a list; whatever else stands in it is passed over.
+std::optional<int> takeReference(Cursor& cursor) {
+    while (!cursor.atEnd()) {
+        Cursor ahead = cursor;
+        const auto number = ahead.takeInt();
+        const auto generation = number ? ahead.takeInt() : std::nullopt;
+        ahead.skip(kIsCSpace);
+        if (generation && ahead.take('R')) {
+            cursor = ahead;
+            return number;
+        }
+        cursor.skip(kIsCSpace);
+        if (cursor.skip(kIsDigit) == 0) cursor.advance();
+    }
+    return std::nullopt;
+}
+
+std::string_view withoutBrackets(std::string_view array) {
+    array = stripReferenceArray(array);
+    return array.size() < 2 ? std::string_view{} : array.substr(1, array.size() - 2);
+}
+
+int wholeNumber(std::string_view token) { return Cursor(token).takeInt().value_or(0); }
+
+// "[%s %s %s %s]" with the first corner made the lower left.
+void readBox(std::string_view array, int* box) {
+    Cursor cursor(array);
+    if (!cursor.take('[')) return;
+    int values[4] = {};
+    for (int& value : values) {
+        cursor.skip(kIsCSpace);
+        const std::string_view token = cursor.takeUntil(kIsCSpace).of(array);
+        if (token.empty()) return;
+        value = wholeNumber(token);
+    }
+    box[0] = std::min(values[0], values[2]);
+    box[1] = std::min(values[1], values[3]);
+    box[2] = std::max(values[0], values[2]);
+    box[3] = std::max(values[1], values[3]);
+}
+
+// The text of an array that is there itself or by reference.
+std::string_view arrayText(std::string_view value, const CPdfObj* referenced) {
+    if (value.starts_with('[')) return value;
+    if (referenced == nullptr) return {};
+    const std::string_view text = referenced->content();
+    return text.substr(std::min(text.find('['), text.size()));
+}
+
+}  // namespace
+
+std::string_view CPdf::kidsOf(CPdfObj& node) {
+    const std::string_view value = trim(entryValue(node.content(), "/Kids"), " \n\r\t");
+    if (value.empty() || !isReference(value)) return withoutBrackets(value);
+    logDebug(m_logger, "/Kids-Eintrag ist Referenz also Array von dort holen");
+    const CPdfObj* const array = referencedObject(value);
+    return array == nullptr ? std::string_view{} : withoutBrackets(array->content());
+}
+
+// Depth first, left to right, without recursion. A node met before ends its branch: it would only repeat pages, or
+// never end.
+void CPdf::walkPages(std::string_view references, std::vector<CPdfObj*>& pages) {
+    std::vector<Cursor> levels{Cursor(references)};
+    std::unordered_set<const CPdfObj*> nodes;
+    while (!levels.empty()) {
+        const auto number = takeReference(levels.back());
+        if (!number) {
+            levels.pop_back();
+            continue;
+        }
+        CPdfObj* const obj = objects_->find(*number);
+        if (obj == nullptr) continue;
+        if (findLaterEntry(obj->content(), "/Kids")) {
+            const bool deeper = levels.size() < static_cast<std::size_t>(limits::kNesting);
+            if (deeper && nodes.insert(obj).second) levels.emplace_back(kidsOf(*obj));
+        } else if (obj->typeEntry() == "/Page") {
+            pages.push_back(obj);
+        }
+    }
+}
+
+CPdfObj* CPdf::GetPageObjectFromArray(char* refList, int* counter, int pageIndex) {
+    if (refList == nullptr || counter == nullptr || *refList == '\0') return nullptr;
+    std::vector<CPdfObj*> pages;
+    walkPages(refList, pages);
+    for (CPdfObj* const page : pages) {
+        if (*counter == pageIndex) return page;
+        ++*counter;
+    }
+    return nullptr;
+}
+
+// Walking the tree for every page would make a host that visits all pages quadratic.
+const std::vector<CPdfObj*>& CPdf::pageList(CPdfObj& root) {
+    if (!pages_) pages_ = std::make_unique<ObjectList>();
+    if (pages_->root != &root || pages_->revision != objects_->revision()) {
+        pages_->objects.clear();
+        walkPages(kidsOf(root), pages_->objects);
+        pages_->root = &root;
+        pages_->revision = objects_->revision();
+    }
+    return pages_->objects;
+}
+
+CPdfObj* CPdf::GetPdfPageObject(CPdfObj* pagesRoot, int pageIndex, int* mediaBox, int* rotate) {
+    if (pagesRoot == nullptr) {
+        logDebug(m_logger, "Pages-Objekt leer, Abbruch!");
+        return nullptr;
+    }
+    if (!findLaterEntry(pagesRoot->content(), "/Kids")) {
+        logDebug(m_logger, "/Kids-Eintrag nicht gefunden, Abbruch!");
+        return nullptr;
+    }
+    const auto& pages = pageList(*pagesRoot);
+    if (pageIndex < 0 || static_cast<std::size_t>(pageIndex) >= pages.size()) return nullptr;
+    CPdfObj* const page = pages[static_cast<std::size_t>(pageIndex)];
+    int box[4] = {};
+    bool hasBox = false;
+    std::optional<int> turned;
+    const CPdfObj* node = page;
+    for (int i = 0; node != nullptr && i < limits::kParents && !(hasBox && turned); ++i) {
+        const std::string_view text = node->content();
+        if (const auto entry = findLaterEntry(text, "/MediaBox"); entry && !hasBox) {
+            const std::string_view value = entry->value.of(text);
+            readBox(arrayText(value, referencedObject(value)), box);
+            hasBox = true;
+        }
+        if (!turned) turned = entryInt(text, "/Rotate");
+        node = referencedObject(entryValue(text, "/Parent"));
+    }
+    if (mediaBox != nullptr) std::copy(std::begin(box), std::end(box), mediaBox);
+    const int degrees = turned.value_or(0);
+    if (rotate != nullptr) *rotate = degrees < 0 ? degrees + 360 : degrees;
+    return page;
+}
+
+int CPdf::GetPageNoFromObjRef(int* objNum, int* /*genNum*/) {
+    if (objNum == nullptr || !lastTrailer_ || lastTrailer_->GetSize() < 1 || encrypted_ == 1) return -1;
+    const CPdfObj* const catalogue = referencedObject(lastTrailer_->root());
+    if (catalogue == nullptr) return -1;
+    CPdfObj* const root = referencedObject(entryValue(catalogue->content(), "/Pages"));
+    if (root == nullptr) return -1;
+    const int count = entryInt(root->content(), "/Count").value_or(0);
+    const auto& pages = pageList(*root);
+    const auto visited = std::min(pages.size(), static_cast<std::size_t>(std::max(count, 0)));
+    for (std::size_t i = 0; i < visited; ++i) {
+        if (pages[i]->GetObjNum() == *objNum) return static_cast<int>(i);
+    }
+    return -1;
+}
