@@ -250,7 +250,7 @@ private:
     [[nodiscard]] std::size_t inflateBudget() const noexcept;
     CPdfObj* referencedObject(std::string_view value);
     const std::vector<CPdfObj*>& pageList(CPdfObj& root);
-    void walkPages(std::string_view references, std::vector<CPdfObj*>& pages);
+    void walkPages(std::string_view references, const CPdfObj* root, std::vector<CPdfObj*>& pages);
     std::string_view kidsOf(CPdfObj& node);
     const std::vector<CPdfObj*>& signatureFields();
     bool isSignatureField(CPdfObj& obj);

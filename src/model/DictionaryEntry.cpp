@@ -22,6 +22,12 @@ public:
         if (at_ > 0 && text.substr(0, at_).find("<<") != kNone) depth_ = 1;
     }
 
+    // Goes on behind the key that was found.
+    std::optional<DictionaryEntry> findAgain(const DictionaryEntry& found) {
+        at_ = found.key + 1 + key_.size();
+        return find();
+    }
+
     std::optional<DictionaryEntry> find() {
         for (;;) {
             at_ = nextStop(at_);
@@ -45,7 +51,10 @@ private:
     [[nodiscard]] bool has(std::size_t at, char c) const { return at < text_.size() && text_[at] == c; }
 
     [[nodiscard]] bool matches(std::size_t at) const {
-        if (!text_.substr(at).starts_with(key_)) return false;
+        if (text_.size() - at < key_.size()) return false;
+        for (std::size_t i = 0; i < key_.size(); ++i) {
+            if (text_[at + i] != key_[i]) return false;
+        }
         const std::size_t end = at + key_.size();
         return end == text_.size() || !isRegular(text_[end]);
     }
@@ -198,10 +207,10 @@ std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view
 }
 
 std::optional<DictionaryEntry> findLaterEntry(std::string_view text, std::string_view key, bool namesAsValues) {
-    const auto first = findEntry(text, key, {.namesAsValues = namesAsValues});
-    if (!first) return std::nullopt;
-    const auto second =
-        findEntry(text, key, {.namesAsValues = namesAsValues, .start = first->key + key.size()});
+    EntryScanner scanner(text, key, {.namesAsValues = namesAsValues});
+    const auto first = scanner.find();
+    if (!first) return first;
+    const auto second = scanner.findAgain(*first);
     return second ? second : first;
 }
 

@@ -77,9 +77,9 @@ std::string_view CPdf::kidsOf(CPdfObj& node) {
 
 // Depth first, left to right, without recursion. A node met before ends its branch: it would only repeat pages, or
 // never end.
-void CPdf::walkPages(std::string_view references, std::vector<CPdfObj*>& pages) {
+void CPdf::walkPages(std::string_view references, const CPdfObj* root, std::vector<CPdfObj*>& pages) {
     std::vector<Cursor> levels{Cursor(references)};
-    std::unordered_set<const CPdfObj*> nodes;
+    std::unordered_set<const CPdfObj*> nodes{root};
     while (!levels.empty()) {
         const auto number = takeReference(levels.back());
         if (!number) {
@@ -100,7 +100,7 @@ void CPdf::walkPages(std::string_view references, std::vector<CPdfObj*>& pages) 
 CPdfObj* CPdf::GetPageObjectFromArray(char* refList, int* counter, int pageIndex) {
     if (refList == nullptr || counter == nullptr || *refList == '\0') return nullptr;
     std::vector<CPdfObj*> pages;
-    walkPages(refList, pages);
+    walkPages(refList, nullptr, pages);
     for (CPdfObj* const page : pages) {
         if (*counter == pageIndex) return page;
         ++*counter;
@@ -113,7 +113,7 @@ const std::vector<CPdfObj*>& CPdf::pageList(CPdfObj& root) {
     if (!pages_) pages_ = std::make_unique<ObjectList>();
     if (pages_->root != &root || pages_->revision != objects_->revision()) {
         pages_->objects.clear();
-        walkPages(kidsOf(root), pages_->objects);
+        walkPages(kidsOf(root), &root, pages_->objects);
         pages_->root = &root;
         pages_->revision = objects_->revision();
     }
