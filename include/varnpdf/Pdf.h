@@ -180,9 +180,11 @@ public:
     int GetSignRefVal(CPdfObj* obj, char* key, char* buffer, int* length);
     /// One value of a signature dictionary (ISO 32000-2 table 255) by tag: 1 /Reason, 2 /Location, 3 /M, 4 /Name,
     /// 5 /Filter, 6 /SubFilter, 7 /ByteRange, 8 /Contents, 9 /FT, 10 /Cert, 11 /Type, 12 /R, 13 /ContactInfo.
-    /// @param buffer  room for the signature dictionary's text and a terminator; the document's length + 1 always does
+    /// @param buffer  room for the signature dictionary's text; the document's length always does. Null asks for the
+    ///                length
     /// @param length  receives the value's length in bytes; an absent key gives an empty value
-    /// @return 0, or VARNPDF_NO_SIGNATURE_VALUE (-1): no such signature, its field has no /V, or no such tag
+    /// @return 0, or VARNPDF_NO_SIGNATURE_VALUE (-1): no such signature, its field has no /V, no such tag, or the value
+    ///         is longer than the document
     int GetSignatureField(int index, int tag, char* buffer, int* length);
     /// The signed bytes. The length of the buffer is neither read nor written when one is given.
     /// @return 0, -1, VARNPDF_NO_SIGNATURE (-113) or VARNPDF_BYTE_RANGE_UNUSABLE (-22)

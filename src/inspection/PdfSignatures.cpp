@@ -178,6 +178,11 @@ int CPdf::GetSignatureField(int index, int tag, char* buffer, int* length) {
     std::string value;
     const int code = readSignatureValue(index, tag, value);
     if (code != VARNPDF_OK) return code;
+    // A dictionary unpacked from an object stream can hold a value that is longer than the file.
+    if (value.size() >= contentLen_) {
+        logError(m_logger, " value: Laenge ", value.size(), " groesser als das Dokument");
+        return VARNPDF_NO_SIGNATURE_VALUE;
+    }
     if (buffer != nullptr) std::memcpy(buffer, value.c_str(), value.size() + 1);
     if (length != nullptr) *length = static_cast<int>(value.size());
     logDebug(m_logger, " value: |", value, "|");

@@ -1,0 +1,96 @@
+// varnpdf extract: the parts of a signature as files.
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "command.h"
+#include "document.h"
+#include "output.h"
+
+namespace {
+
+constexpr const char* kFooter = R"(Examples:
+  varnpdf extract signed.pdf --signature 0 --pkcs7 -o value.der
+  varnpdf extract signed.pdf --signature 0 --signed-bytes -o signed.bin
+  openssl cms -verify -inform DER -in value.der -content signed.bin -binary -CAfile ca.pem -out /dev/null
+
+The file OUT is replaced only when everything could be written.)";
+
+struct Options {
+    std::string file;
+    int signature = 0;
+    bool pkcs7 = false;
+    bool signedBytes = false;
+    bool pkcs1 = false;
+    int certificate = -1;
+    std::string out = "-";
+};
+
+int fetch(CPdf& pdf, const Options& options, unsigned char* buffer, unsigned long* length) {
+    if (options.pkcs7) return pdf.GetSignaturePKCS7(options.signature, buffer, length);
+    if (options.signedBytes) return pdf.GetSignatureBlob(options.signature, buffer, length);
+    if (options.pkcs1) return pdf.GetSignaturePKCS1(options.signature, buffer, length);
+    return pdf.GetSignaturePKCS1Cert(options.signature, options.certificate, buffer, length);
+}
+
+/// The wanted part, or nothing after a complaint.
+std::optional<std::string> part(CPdf& pdf, const Options& options) {
+    const int count = pdf.PdfGetNumSignatures();
+    if (count > 0 && options.signature >= count) {
+        cli::complain(options.file, "there is no signature " + std::to_string(options.signature) +
+                                        "; the last one is " + std::to_string(count - 1));
+        return std::nullopt;
+    }
+    unsigned long length = 0;
+    std::string bytes;
+    int code = count == 0 ? VARNPDF_NO_SIGNATURE : fetch(pdf, options, nullptr, &length);
+    if (code == 0) {
+        bytes.resize(length);
+        code = fetch(pdf, options, reinterpret_cast<unsigned char*>(bytes.data()), &length);
+    }
+    if (code == 0) return bytes;
+    cli::complain(options.file, code);
+    return std::nullopt;
+}
+
+int run(const Options& options) {
+    const bool toStandardOutput = options.out == "-";
+    if (toStandardOutput && cli::outputIsTerminal()) {
+        cli::complain("extract", "binary data is not written to a terminal; use -o FILE or redirect the output");
+        return cli::kUsage;
+    }
+    CPdf pdf;
+    if (cli::openDocument(pdf, options.file) != 0) return cli::kAllFailed;
+    const std::optional<std::string> bytes = part(pdf, options);
+    if (!bytes) return cli::kAllFailed;
+    if (toStandardOutput) {
+        cli::put(*bytes);
+        return cli::kAllGood;
+    }
+    return cli::writeFile(options.out, *bytes) ? cli::kAllGood : cli::kAllFailed;
+}
+
+}  // namespace
+
+cli::Command cli::addExtract(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* parser = program.add_subcommand("extract", "Takes a signature's value or the bytes it signs out");
+    parser->add_option("FILE", options->file, "PDF file")->required()->option_text(" ");
+    parser->add_option("--signature", options->signature, "Which one: the index that \"varnpdf info\" shows, from 0")
+        ->required()
+        ->check(CLI::NonNegativeNumber)
+        ->option_text("N");
+    CLI::Option_group* what = parser->add_option_group("what", "exactly one of them");
+    what->add_flag("--pkcs7", options->pkcs7, "The PKCS#7 or CAdES value (DER), without the padding of its room");
+    what->add_flag("--signed-bytes", options->signedBytes, "The bytes that the signature covers");
+    what->add_flag("--pkcs1", options->pkcs1, "The PKCS#1 value (a DER OCTET STRING)");
+    what->add_option("--certificate", options->certificate, "A certificate of /Cert, from 0")
+        ->check(CLI::NonNegativeNumber)
+        ->option_text("K");
+    what->require_option(1);
+    parser->add_option("-o,--output", options->out, "File to write; without it, or with -, standard output")
+        ->option_text("OUT");
+    parser->footer(kFooter);
+    return {parser, [options] { return run(*options); }};
+}

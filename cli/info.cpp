@@ -1,0 +1,242 @@
+// varnpdf info: what a document is made of, and its signatures.
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "document.h"
+#include "output.h"
+#include "signatures.h"
+#include "text.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kFooter = R"(Examples:
+  varnpdf info contract.pdf
+  varnpdf info --json *.pdf > facts.jsonl     one object per file and line
+
+"index" of a signature is the number that "varnpdf extract --signature" takes.
+Only 100 signatures can be looked into; further ones are counted, their values stay empty.
+A file that cannot be opened is reported on standard error; with --json its object says "code" and "error".)";
+
+struct Options {
+    std::vector<std::string> files;
+    bool json = false;
+};
+
+/// Order of the keys of one document; everything null.
+Json blankDocument(const std::string& file) {
+    Json out = {{"file", cli::validUtf8(file)}};
+    for (const char* key : {"code", "version", "line_end", "linearized", "encrypted", "cross_reference", "sections",
+                            "size", "file_bytes", "objects", "page_count", "pages", "locked", "fields", "signatures"}) {
+        out[key] = nullptr;
+    }
+    return out;
+}
+
+Json versionText(float version) {
+    if (!(version > 0)) return nullptr;
+    const std::string tenths = std::to_string(std::lround(version * 10));
+    return (tenths.size() > 1 ? tenths.substr(0, tenths.size() - 1) : "0") + "." + tenths.back();
+}
+
+Json lineEnd(int type) {
+    constexpr const char* kNames[] = {"CRLF", "LF", "CR"};
+    return type >= 0 && type <= 2 ? Json(kNames[type]) : Json(nullptr);
+}
+
+const char* crossReference(const CPdfTrailer& newest) {
+    if (newest.GetIsCrossRefStream()) return "stream";
+    return newest.GetXRefStmAddr() > 0 ? "hybrid" : "table";
+}
+
+/// A page without /MediaBox is given four zeros.
+bool hasArea(const int (&box)[4]) {
+    return std::any_of(std::begin(box), std::end(box), [](int side) { return side != 0; });
+}
+
+Json pages(CPdf& pdf) {
+    Json out = Json::array();
+    CPdfObj* catalogue = cli::referenced(pdf, pdf.GetLastTrailer()->root());
+    CPdfObj* root = catalogue != nullptr ? cli::referenced(pdf, *catalogue, "/Pages") : nullptr;
+    if (root == nullptr) return out;
+    for (int i = 0;; ++i) {
+        int box[4] = {};
+        int rotation = 0;
+        const CPdfObj* page = pdf.GetPdfPageObject(root, i, box, &rotation);
+        if (page == nullptr) return out;
+        out.push_back({{"number", i + 1},
+                       {"object", page->GetObjNum()},
+                       {"box", hasArea(box) ? Json(box) : Json(nullptr)},
+                       {"rotation", rotation}});
+    }
+}
+
+/// What can be said of a document that opened.
+void addContent(CPdf& pdf, Json& out) {
+    out["sections"] = pdf.GetTrailerCount() + 1;
+    int objects = 0;
+    cli::forEachObject(pdf, [&](const CPdfObj& obj) { objects += obj.GetContentLen() > 0 ? 1 : 0; });
+    out["objects"] = objects;
+    out["pages"] = pages(pdf);
+    out["page_count"] = out["pages"].size();
+    out["locked"] = pdf.get_lockstate() == 1;
+    out["fields"] = cli::signatureFields(pdf);
+    out["signatures"] = cli::signatures(pdf);
+}
+
+Json describe(CPdf& pdf, const std::string& file, int code) {
+    Json out = blankDocument(file);
+    out["code"] = code;
+    if (code != 0) out["error"] = varnpdf_message(code);
+    if (pdf.GetContentLen() > 0) {
+        out["version"] = versionText(pdf.GetPDFVersion());
+        out["line_end"] = lineEnd(pdf.GetLineEndType());
+        out["linearized"] = pdf.get_IsLinearized();
+        out["encrypted"] = pdf.PdfIsEncrypted() == 1;
+        out["file_bytes"] = pdf.GetContentLen();
+    }
+    const CPdfTrailer* newest = pdf.GetLastTrailer();
+    if (newest != nullptr && newest->GetSize() > 0) {
+        out["cross_reference"] = crossReference(*newest);
+        out["size"] = newest->GetSize();
+    }
+    if (code == 0) addContent(pdf, out);
+    return out;
+}
+
+// --- for people -------------------------------------------------------------------------------------------------
+
+std::string text(const Json& value) {
+    if (value.is_null()) return "-";
+    if (value.is_string()) return cli::printable(value.get<std::string>());
+    if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
+    if (!value.is_array()) return value.dump();
+    std::string out;
+    for (const Json& item : value) out += (out.empty() ? "" : " ") + text(item);
+    return out;
+}
+
+void line(int indent, std::string label, const std::string& content) {
+    constexpr std::size_t kColumn = 22;
+    label.insert(0, static_cast<std::size_t>(indent), ' ');
+    if (label.size() < kColumn) label.resize(kColumn, ' ');
+    cli::put(label + ' ' + content + '\n');
+}
+
+std::string counted(std::size_t count, const std::string& thing) {
+    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
+}
+
+std::string pageLook(const Json& page) {
+    const int rotation = page["rotation"].get<int>();
+    const std::string turned = rotation != 0 ? ", rotated by " + std::to_string(rotation) : "";
+    const Json& box = page["box"];
+    if (box.is_null()) return "no box" + turned;
+    const auto side = [&](std::size_t from) {
+        return std::to_string(box[from + 2].get<long long>() - box[from].get<long long>());
+    };
+    return side(0) + " x " + side(1) + " points (" + text(box) + ")" + turned;
+}
+
+/// Neighbouring pages that look alike share a line.
+void printPages(const Json& all) {
+    line(2, "pages", std::to_string(all.size()));
+    for (std::size_t first = 0; first < all.size();) {
+        std::size_t last = first;
+        const std::string look = pageLook(all[first]);
+        while (last + 1 < all.size() && pageLook(all[last + 1]) == look) ++last;
+        const std::string range = std::to_string(first + 1) + (last > first ? "-" + std::to_string(last + 1) : "");
+        line(4, range, look);
+        first = last + 1;
+    }
+}
+
+void printSignature(const Json& signature) {
+    cli::put("  signature " + text(signature["index"]) + '\n');
+    if (signature["pkcs7_code"].is_null()) {
+        cli::put("    beyond the 100 signatures that can be looked into\n");
+        return;
+    }
+    constexpr const char* kShown[][2] = {
+        {"field", "field"},
+        {"reason", "reason"},
+        {"location", "location"},
+        {"date", "date"},
+        {"name", "name"},
+        {"filter", "filter"},
+        {"subfilter", "format"},
+        {"type", "type"},
+        {"field_type", "field type"},
+        {"r", "handler version"},
+        {"contact_info", "contact"},
+        {"cert", "certificates"},
+        {"byte_range", "byte range"},
+        {"covers_whole_file", "covers whole file"},
+        {"contents_bytes", "room in bytes"},
+    };
+    for (const auto& [key, label] : kShown) line(4, label, text(signature[key]));
+    const int code = signature["pkcs7_code"].get<int>();
+    line(4, "PKCS#7 value",
+         code == 0 ? text(signature["pkcs7_bytes"]) + " bytes"
+                   : std::string(varnpdf_message(code)) + " (" + std::to_string(code) + ")");
+}
+
+void printForPeople(const Json& facts) {
+    cli::put(text(facts["file"]) + '\n');
+    line(2, "PDF version", text(facts["version"]) + ", line ends " + text(facts["line_end"]));
+    line(2, "file size", counted(facts["file_bytes"].get<std::size_t>(), "byte"));
+    line(2, "cross-reference",
+         counted(facts["sections"].get<std::size_t>(), "section") + ", the newest is a " +
+             text(facts["cross_reference"]));
+    line(2, "objects", text(facts["objects"]) + " (size declared: " + text(facts["size"]) + ")");
+    for (const char* key : {"linearized", "encrypted", "locked"}) line(2, key, text(facts[key]));
+    printPages(facts["pages"]);
+    line(2, "signature fields", std::to_string(facts["fields"].size()));
+    std::size_t filled = 0;
+    for (const Json& field : facts["fields"]) {
+        const bool isSigned = field["signed"].get<bool>();
+        filled += isSigned ? 1 : 0;
+        line(4, isSigned ? "signed" : "empty", text(field["name"]));
+    }
+    for (const Json& signature : facts["signatures"]) printSignature(signature);
+    if (filled > facts["signatures"].size()) {
+        cli::put("  some signed fields are not numbered: they are no annotations of type /Annot themselves\n");
+    }
+}
+
+int run(const Options& options) {
+    std::size_t failed = 0;
+    for (const std::string& file : options.files) {
+        CPdf pdf;
+        const int code = cli::openDocument(pdf, file);
+        failed += code != 0 ? 1 : 0;
+        if (!options.json && code != 0) continue;
+        const Json facts = describe(pdf, file, code);
+        if (options.json) {
+            cli::put(facts.dump() + '\n');
+        } else {
+            printForPeople(facts);
+        }
+    }
+    if (failed == 0) return cli::kAllGood;
+    return failed == options.files.size() ? cli::kAllFailed : cli::kSomeFailed;
+}
+
+}  // namespace
+
+cli::Command cli::addInfo(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App* parser = program.add_subcommand("info", "Says what documents are made of and who signed them");
+    parser->add_option("FILE", options->files, "PDF files")->required()->option_text(" ");
+    parser->add_flag("--json", options->json, "Writes one JSON object per file, each on one line");
+    parser->footer(kFooter);
+    return {parser, [options] { return run(*options); }};
+}

@@ -1,0 +1,112 @@
+// Writing of results, and the complaints of all commands.
+#include "output.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "command.h"
+#include "text.h"
+#include "varnpdf/result.h"
+
+namespace {
+
+int outputError = 0;
+
+std::string reason(int error) { return std::strerror(error); }
+
+bool writeAll(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t done = ::write(file, bytes.data(), bytes.size());
+        if (done < 0 && errno == EINTR) continue;
+        if (done < 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(done));
+    }
+    return true;
+}
+
+/// Closing reports what a network file system could not write; it happens once, whatever came before.
+bool closeAfter(bool good, int file) {
+    const int before = errno;
+    if (::close(file) != 0 && good) return false;
+    errno = before;
+    return good;
+}
+
+/// The mode a file has already, or the one that the process gives to new files.
+mode_t modeFor(const struct stat* existing) {
+    if (existing != nullptr) return existing->st_mode & 07777;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+bool replaceFile(const std::string& path, std::string_view bytes, mode_t mode) {
+    std::string temporary = path + ".XXXXXX";
+    const int file = ::mkstemp(temporary.data());
+    if (file < 0) return false;
+    bool good = writeAll(file, bytes) && ::fchmod(file, mode) == 0 && ::fsync(file) == 0;
+    good = closeAfter(good, file);
+    if (good && std::rename(temporary.c_str(), path.c_str()) == 0) return true;
+    const int error = errno;
+    ::unlink(temporary.c_str());
+    errno = error;
+    return false;
+}
+
+bool writeDirectly(const std::string& path, std::string_view bytes) {
+    const int file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    return file >= 0 && closeAfter(writeAll(file, bytes), file);
+}
+
+/// The name behind symbolic links: renaming would otherwise replace the link.
+std::string linkTarget(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr), &std::free);
+    return real ? std::string(real.get()) : path;
+}
+
+}  // namespace
+
+void cli::put(std::string_view bytes) {
+    if (outputError == 0 && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size()) outputError = errno;
+}
+
+int cli::finishOutput(int code) {
+    if (std::fflush(stdout) != 0 && outputError == 0) outputError = errno;
+    if (outputError == 0) return code;
+    complain("standard output", reason(outputError));
+    return kAllFailed;
+}
+
+bool cli::outputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
+
+bool cli::writeFile(const std::string& path, std::string_view bytes) {
+    struct stat status {};
+    const bool exists = ::stat(path.c_str(), &status) == 0;
+    bool good = false;
+    if (exists && S_ISDIR(status.st_mode)) {
+        errno = EISDIR;
+    } else if (exists && !S_ISREG(status.st_mode)) {
+        good = writeDirectly(path, bytes);
+    } else {
+        good = replaceFile(linkTarget(path), bytes, modeFor(exists ? &status : nullptr));
+    }
+    if (!good) complain(path, reason(errno));
+    return good;
+}
+
+void cli::complain(const std::string& what, const std::string& sentence) {
+    std::fflush(stdout);
+    const std::string line = "varnpdf: " + printable(what) + ": " + printable(sentence) + '\n';
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void cli::complain(const std::string& what, int code) {
+    complain(what, std::string(varnpdf_message(code)) + " (" + std::to_string(code) + ")");
+}

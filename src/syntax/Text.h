@@ -1,0 +1,42 @@
+// Trimming, replacing, hexadecimal, UTF-8 and escapes on views.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace varnpdf {
+
+/// Text without leading bytes of `set`, but with no more than half of it (rounded up) removed.
+std::string_view trimLeftHalf(std::string_view text, std::string_view set) noexcept;
+/// Text without leading bytes of `set`.
+std::string_view trimLeft(std::string_view text, std::string_view set) noexcept;
+/// Text without trailing bytes of `set`; a parenthesis behind a backslash stays.
+std::string_view trimRightUnescaped(std::string_view text, std::string_view set) noexcept;
+
+/// Every `from` has become `to`, also where a replacement put a `from` together; see `CTokHelp::StrReplace`.
+std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
+
+/// Word number `index` between white space of the C library.
+std::optional<std::string_view> word(std::string_view text, int index) noexcept;
+
+/// Lower-case digit pairs, with `separator` between them unless it is NUL.
+std::string toHex(std::string_view bytes, char separator = '\0');
+
+/// One bits from bit 7 downwards.
+int highOnes(unsigned char c) noexcept;
+/// Every lead byte is followed by the continuation bytes it announces.
+bool isUtf8(std::string_view text) noexcept;
+
+struct Latin1Text {
+    std::string text;
+    int replaced = 0;  ///< characters that became spaces
+};
+/// Latin-1 of UTF-8 text; text that is not UTF-8 is taken to be Latin-1.
+Latin1Text latin1FromUtf8(std::string_view text);
+
+/// The body of a literal string with its escapes undone, or nothing when it holds none. Octal escapes become 0 bytes.
+std::optional<std::string> decodeLiteral(std::string_view body);
+
+}  // namespace varnpdf

@@ -1,0 +1,55 @@
+#!/bin/bash
+# Text strings and names of ISO 32000-2 7.3.4, 7.3.5 and 7.9.2.2 as "info --json" shows them.
+# shellcheck source-path=SCRIPTDIR
+. "$(dirname "$0")/lib.sh"
+
+# Raw string in the file, what JSON shows. Byte 1 becomes NUL.
+table=(
+    '(plain)' 'plain'
+    '()' ''
+    '(a (b) c)' 'a (b) c'
+    '(a \(b\) c)' 'a (b) c'
+    '(a\\b \q)' 'a\\b q'
+    '(\101\53\7x)' 'A+\u0007x'
+    '(\12345)' 'S45'
+    $'(one\\\ntwo\\\r\nthree)' 'onetwothree'
+    $'(a\r\nb\rc\\nd)' 'a\nb\nc\nd'
+    $'(\x80 \xa0 \x9f \xad \x18 \x8e)' '• € � � ˘ ”'
+    '(J\366rg)' 'Jörg'
+    $'(\xfe\xff\1J\1\xf6)' 'Jö'
+    $'(\xff\xfeJ\1\xf6\1)' 'Jö'
+    '<FEFF20AC>' '€'
+    '<feffd83dde00>' '😀'
+    '<FEFFD83D0041>' '�A'
+    '<FEFF0041DE>' 'A�'
+    '<4A F6
+     7>' 'Jöp'
+    $'(\xef\xbb\xbfGr\xc3\xbc\xc3\x9f)' 'Grüß'
+    $'(\xef\xbb\xbfa\xc3)' 'a�'
+    $'(\xef\xbb\xbf\xc0\xaf\xed\xa0\x80\xe0\x80\xaf)' '��������'
+    '/N#C3#A4me#20x' 'Näme x'
+)
+bodies=("${one_page[@]}")
+expected=
+for ((i = 0; i < ${#table[@]}; i += 2)); do
+    bodies+=("<< /Type /Annot /FT /Sig /T ${table[i]} >>")
+    expected+="\"${table[i + 1]}\""$'\n'
+done
+pdf text.pdf "${bodies[@]}"
+run 0 '' info --json text.pdf
+# One field per line: the name is all between its key and the next one.
+same 'decoded names' "${expected%$'\n'}" "$(tr '{' '\n' <out | sed -n 's/^"name":\(.*\),"signed":false}.*/\1/p')"
+same 'valid UTF-8' 0 "$(iconv -f UTF-8 -t UTF-8 out >/dev/null 2>&1; echo $?)"
+
+# A string that an entry refers to, a name from the field above, no name at all, a reference to itself.
+pdf indirect.pdf "${one_page[@]}" '<< /FT /Sig /T 5 0 R >>' '(else\tw\150ere)' '<< /FT /Sig /Parent 7 0 R >>' \
+    '<< /T (above) /Kids [6 0 R] >>' '<< /FT /Sig >>' '<< /FT /Sig /T 9 0 R /Parent 9 0 R >>'
+run 0 '' info --json indirect.pdf
+has 'names from elsewhere' '"fields":\[\{"name":"else\\twhere","signed":false\},\{"name":"above",' "$(cat out)"
+has 'no name' '"above","signed":false\},\{"name":null,' "$(cat out)"
+
+# For people nothing may command the terminal: escape sequences and direction overrides are replaced.
+pdf hostile.pdf "${one_page[@]}" '<< /FT /Sig /T <FEFF001B005B0032004A202E0078> >>'
+run 0 '' info hostile.pdf
+has 'harmless text' '�\[2J�x' "$(cat out)"
+finish
