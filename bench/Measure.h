@@ -34,7 +34,7 @@ struct Row {
     double limitMs = 0;
     std::optional<double> goal;  ///< largest ratio
     std::string note;
-    std::optional<double> peak;      ///< as a multiple of the file
+    std::optional<double> peak;  ///< as a multiple of the file
     std::optional<double> peakGoal;
 };
 

@@ -54,8 +54,8 @@ Found lookUp(std::string_view text, const std::string& key, int trimEnd, int nam
 Found lookUp(CPdfObj& obj, const std::string& key, int trimEnd, int namesAsValues) {
     Found found;
     const Room out(obj.content().size() + 1);
-    found.result = obj.ReadDictionaryEntry(key.c_str(), out.data(), &found.at, &found.end, trimEnd, &found.length,
-                                           namesAsValues);
+    found.result =
+        obj.ReadDictionaryEntry(key.c_str(), out.data(), &found.at, &found.end, trimEnd, &found.length, namesAsValues);
     if (found.result == 1) found.value.assign(out.data(), static_cast<std::size_t>(std::max(found.length, 0)));
     return found;
 }

@@ -99,11 +99,21 @@ std::map<std::string, std::string> documents() {
     return out;
 }
 
-const std::vector<std::string> kTexts = {
-    "12", "-1.5e3 4", "12 0 R", "(a (b) \\) c)", "<48 65 6C>", "/Name#20/Next", "[1 2 0 R (x) [null] << /A true >>]",
-    "<< /Type /Sig /Length 3 /Kids [1 0 R] >>stream\nabc\nendstream", "xref\n0 1\ntrailer << /Size 1 >>startxref",
-    "5 0 obj << /Type /Page >> endobj", "true", "\t \a\r\n", "0123456789abcdefABCDEF", "gr\xc3\xbc\xc3\x9f \xff",
-    "[[[[[[[[1]]]]]]]]"};
+const std::vector<std::string> kTexts = {"12",
+                                         "-1.5e3 4",
+                                         "12 0 R",
+                                         "(a (b) \\) c)",
+                                         "<48 65 6C>",
+                                         "/Name#20/Next",
+                                         "[1 2 0 R (x) [null] << /A true >>]",
+                                         "<< /Type /Sig /Length 3 /Kids [1 0 R] >>stream\nabc\nendstream",
+                                         "xref\n0 1\ntrailer << /Size 1 >>startxref",
+                                         "5 0 obj << /Type /Page >> endobj",
+                                         "true",
+                                         "\t \a\r\n",
+                                         "0123456789abcdefABCDEF",
+                                         "gr\xc3\xbc\xc3\x9f \xff",
+                                         "[[[[[[[[1]]]]]]]]"};
 
 const std::vector<std::pair<std::string, std::string>> kEntries = {
     {"/Type", "1 0 obj\n<< /Type /Sig /Length 3 >>\nendobj"},

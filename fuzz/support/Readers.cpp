@@ -76,7 +76,8 @@ void readObjects(const Subject& s) {
     const int result = CPdfHelper::ReadObject(s.in(), object.data(), &kind, &end);
     // The length of "true" behind white space counts the terminator: hosts know it so.
     s.found(result, kind == 1 && end == s.size() + 1 ? s.size() : end, object);
-    check(kind >= 0 && kind <= 9 && (result == 1 || end == 0), "an object has a kind, and a length when it can be read");
+    check(kind >= 0 && kind <= 9 && (result == 1 || end == 0),
+          "an object has a kind, and a length when it can be read");
     for (const int index : {0, 1, 7}) {
         const Room element(s.room());
         s.found(CPdfHelper::ReadArrayElement(s.in(), element.data(), index), 0, element);

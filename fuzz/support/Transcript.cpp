@@ -95,7 +95,8 @@ void noteFields(CPdf& pdf, Notes& notes, int index, bool exists) {
         check(asked >= 0, "a length is not negative");
         const Room room(static_cast<std::size_t>(asked) + 1);
         int fetched = -1;
-        check(pdf.GetSignatureField(index, tag, room.data(), &fetched) == code, "the code does not depend on the buffer");
+        check(pdf.GetSignatureField(index, tag, room.data(), &fetched) == code,
+              "the code does not depend on the buffer");
         check(fetched == asked, "the length does not depend on the buffer");
         check(room.data()[asked] == '\0', "a value is terminated");
         notes.brief({room.data(), static_cast<std::size_t>(asked)});

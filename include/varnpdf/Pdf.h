@@ -12,6 +12,7 @@
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/PdfSigInfo.h"
 #include "varnpdf/PdfTrailer.h"
+#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 namespace varnpdf {
@@ -22,6 +23,8 @@ struct ByteRange;
 struct FieldWidths;
 struct IndexPair;
 struct ObjectList;
+struct PageNode;
+struct PageTree;
 }  // namespace varnpdf
 
 /// One document. Construct, `Open` (or `ParseContent`), read; `Close` or destroy at the end. A `CPdf` is used for one
@@ -251,7 +254,8 @@ private:
     bool placeUnpacked(CPdfObj& stream, std::string_view decoded, std::size_t count, std::size_t first);
     [[nodiscard]] std::size_t inflateBudget() const noexcept;
     CPdfObj* referencedObject(std::string_view value);
-    const std::vector<CPdfObj*>& pageList(CPdfObj& root);
+    varnpdf::PageTree& pageTree(CPdfObj& root);
+    const varnpdf::PageNode& pageNode(varnpdf::PageTree& tree, const CPdfObj& obj);
     void walkPages(std::string_view references, const CPdfObj* root, std::vector<CPdfObj*>& pages);
     std::string_view kidsOf(CPdfObj& node);
     const std::vector<CPdfObj*>& signatureFields();
@@ -280,7 +284,7 @@ private:
     std::vector<std::unique_ptr<char[]>> unpacked_;  // texts of objects taken from object streams
     std::size_t inflated_ = 0;                       // bytes unpacked so far from both kinds of stream
     std::unique_ptr<varnpdf::ObjectTable> objects_;
-    std::unique_ptr<varnpdf::ObjectList> pages_;
+    std::unique_ptr<varnpdf::PageTree> pages_;
     std::unique_ptr<varnpdf::ObjectList> signatures_;
     CPdfSigInfo sigInfo_;
     int pagesParent_ = 0;
@@ -288,7 +292,7 @@ private:
     bool signaturesCounted_ = false;
     int signatureCount_ = 0;
 
-    static std::shared_ptr<log4cxx::Logger> m_logger;
+    static varnpdf::ClassLogger m_logger;
 };
 
 /// Position of the first occurrence of `needle` in `haystack`, both lowered; -1 without one.

@@ -4,13 +4,10 @@
 #include <memory>
 #include <string>
 
+#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CPdfObj;
-
-namespace log4cxx {
-class Logger;
-}
 
 /// Readers that recognise one kind of object (ISO 32000-2 7.3) at the start of a NUL-terminated text, copy its raw
 /// text and say how far it reached, and small utilities on such texts.
@@ -147,5 +144,5 @@ public:
     static int getSeqLength(const unsigned char* der, int len);
 
 private:
-    static std::shared_ptr<log4cxx::Logger> m_logger;
+    static varnpdf::ClassLogger m_logger;
 };

@@ -5,11 +5,8 @@
 #include <memory>
 #include <string_view>
 
+#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
-
-namespace log4cxx {
-class Logger;
-}
 
 /// One indirect object (ISO 32000-2 7.3.10): number, generation, raw text from the object number through "endobj",
 /// position in the file and how the cross-reference data stores it. There is no parsed tree; questions are answered
@@ -188,7 +185,7 @@ private:
     std::unique_ptr<char[]> dictionarySubtype_;
     std::uint64_t* revision_ = nullptr;
 
-    static std::shared_ptr<log4cxx::Logger> m_logger;
+    static varnpdf::ClassLogger m_logger;
 };
 
 /// Pair of an object's number in the document it is copied from and in the one it is copied to.

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "varnpdf/PdfObj.h"
+#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 /// A trailer, from a classic "trailer" dictionary or from a cross-reference stream. The object's text is the raw text
@@ -88,5 +89,5 @@ private:
     bool isStream_ = false;
     std::unique_ptr<unsigned char[]> m_cIndexField;
 
-    static std::shared_ptr<log4cxx::Logger> m_logger;
+    static varnpdf::ClassLogger m_logger;
 };

@@ -166,7 +166,9 @@ private:
         if (end == kNone) return std::nullopt;
         std::size_t trimmed = end;
         while (trimmed > at && text_[trimmed - 1] == ' ') --trimmed;
-        return DictionaryEntry{key, {at, trimmed}, trimmed};
+        // The '>' of a hexadecimal string that runs on from a name belongs to the value, but the entry ends before it.
+        const bool runsOn = c == '/' && has(end, '>') && text_.substr(at, end - at).find('<') != kNone;
+        return DictionaryEntry{key, {at, runsOn ? end + 1 : trimmed}, trimmed};
     }
 
     [[nodiscard]] bool closes(std::size_t at) const {

@@ -4,14 +4,12 @@
 #include <algorithm>
 #include <cstring>
 
-#include <log4cxx/logger.h>
-
 #include "model/DictionaryEntry.h"
 #include "support/Log.h"
 
 using namespace varnpdf;
 
-log4cxx::LoggerPtr CPdfObj::m_logger = log4cxx::Logger::getLogger("VarnPDF.CPdfObj");
+constinit ClassLogger CPdfObj::m_logger{"VarnPDF.CPdfObj"};
 
 namespace {
 

@@ -45,7 +45,7 @@ std::size_t dataBegin(std::string_view text, std::size_t at) {
 // Walks the states of the classification; each is announced before it is entered.
 class Classifier {
 public:
-    Classifier(std::string_view text, const LoggerRef& logger) : cursor_(text), logger_(logger) {}
+    Classifier(std::string_view text, const ClassLogger& logger) : cursor_(text), logger_(logger) {}
 
     bool isArray() {
         return number("State 0: Suche nach ObjNr", "State 1: Einlesen ObjNr") &&
@@ -76,7 +76,7 @@ private:
     static bool isLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
     Cursor cursor_;
-    const LoggerRef& logger_;
+    const ClassLogger& logger_;
 };
 
 }  // namespace

@@ -1,4 +1,5 @@
 // The dictionary operations of an object: faces of the scanner, and edits by splicing.
+#include <algorithm>
 #include <cstring>
 
 #include "model/DictionaryEntry.h"
@@ -80,7 +81,7 @@ int CPdfObj::AddDictionaryEntry(const char* key, const char* value) {
 int CPdfObj::DeleteDictionaryEntry(const char* key, int namesAsValues) {
     const auto entry = findLaterEntry(content(), viewOf(key), namesAsValues != 0);
     if (!entry) return 0;
-    splice(entry->key, entry->end, {});
+    splice(entry->key, std::max(entry->end, entry->value.end), {});
     return 1;
 }
 

@@ -6,15 +6,13 @@
 #include <cstring>
 #include <ctime>
 
-#include <log4cxx/logger.h>
-
 #include "model/IndexPairs.h"
 #include "support/Log.h"
 #include "syntax/Cursor.h"
 
 using namespace varnpdf;
 
-log4cxx::LoggerPtr CPdfTrailer::m_logger = log4cxx::Logger::getLogger("VarnPDF.CPdfTrailer");
+constinit ClassLogger CPdfTrailer::m_logger{"VarnPDF.CPdfTrailer"};
 
 namespace {
 

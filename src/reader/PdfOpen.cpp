@@ -6,12 +6,10 @@
 #include <limits>
 #include <new>
 
-#include <log4cxx/logger.h>
-
 #include "model/DictionaryEntry.h"
-#include "model/ObjectList.h"
 #include "model/ObjectTable.h"
 #include "reader/KeywordSearch.h"
+#include "reader/PageTree.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "support/ResultText.h"
@@ -22,7 +20,7 @@
 
 using namespace varnpdf;
 
-log4cxx::LoggerPtr CPdf::m_logger = log4cxx::Logger::getLogger("VarnPDF.CPdf");
+constinit ClassLogger CPdf::m_logger{"VarnPDF.CPdf"};
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <unordered_set>
 
 #include "model/DictionaryEntry.h"
-#include "model/ObjectList.h"
 #include "model/ObjectTable.h"
+#include "reader/PageTree.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "syntax/Reference.h"
@@ -108,16 +108,32 @@ CPdfObj* CPdf::GetPageObjectFromArray(char* refList, int* counter, int pageIndex
     return nullptr;
 }
 
-// Walking the tree for every page would make a host that visits all pages quadratic.
-const std::vector<CPdfObj*>& CPdf::pageList(CPdfObj& root) {
-    if (!pages_) pages_ = std::make_unique<ObjectList>();
+// Walking the tree for every page, or reading the long /Kids of a flat tree for each, would make a host that visits
+// all pages quadratic.
+PageTree& CPdf::pageTree(CPdfObj& root) {
+    if (!pages_) pages_ = std::make_unique<PageTree>();
     if (pages_->root != &root || pages_->revision != objects_->revision()) {
         pages_->objects.clear();
+        pages_->nodes.clear();
         walkPages(kidsOf(root), &root, pages_->objects);
         pages_->root = &root;
         pages_->revision = objects_->revision();
     }
-    return pages_->objects;
+    return *pages_;
+}
+
+const PageNode& CPdf::pageNode(PageTree& tree, const CPdfObj& obj) {
+    const auto [it, added] = tree.nodes.try_emplace(&obj);
+    if (!added) return it->second;
+    const std::string_view text = obj.content();
+    if (const auto entry = findLaterEntry(text, "/MediaBox")) {
+        const std::string_view value = entry->value.of(text);
+        it->second.box.emplace();
+        readBox(arrayText(value, referencedObject(value)), it->second.box->data());
+    }
+    it->second.rotation = entryInt(text, "/Rotate");
+    it->second.parent = referencedObject(entryValue(text, "/Parent"));
+    return it->second;
 }
 
 CPdfObj* CPdf::GetPdfPageObject(CPdfObj* pagesRoot, int pageIndex, int* mediaBox, int* rotate) {
@@ -125,28 +141,26 @@ CPdfObj* CPdf::GetPdfPageObject(CPdfObj* pagesRoot, int pageIndex, int* mediaBox
         logDebug(m_logger, "Pages-Objekt leer, Abbruch!");
         return nullptr;
     }
-    if (!findLaterEntry(pagesRoot->content(), "/Kids")) {
+    PageTree& tree = pageTree(*pagesRoot);
+    if (tree.objects.empty() && !findLaterEntry(pagesRoot->content(), "/Kids")) {
         logDebug(m_logger, "/Kids-Eintrag nicht gefunden, Abbruch!");
         return nullptr;
     }
-    const auto& pages = pageList(*pagesRoot);
-    if (pageIndex < 0 || static_cast<std::size_t>(pageIndex) >= pages.size()) return nullptr;
-    CPdfObj* const page = pages[static_cast<std::size_t>(pageIndex)];
-    int box[4] = {};
-    bool hasBox = false;
+    if (pageIndex < 0 || static_cast<std::size_t>(pageIndex) >= tree.objects.size()) return nullptr;
+    CPdfObj* const page = tree.objects[static_cast<std::size_t>(pageIndex)];
+    std::optional<std::array<int, 4>> box;
     std::optional<int> turned;
-    const CPdfObj* node = page;
-    for (int i = 0; node != nullptr && i < limits::kParents && !(hasBox && turned); ++i) {
-        const std::string_view text = node->content();
-        if (const auto entry = findLaterEntry(text, "/MediaBox"); entry && !hasBox) {
-            const std::string_view value = entry->value.of(text);
-            readBox(arrayText(value, referencedObject(value)), box);
-            hasBox = true;
-        }
-        if (!turned) turned = entryInt(text, "/Rotate");
-        node = referencedObject(entryValue(text, "/Parent"));
+    const CPdfObj* obj = page;
+    for (int i = 0; obj != nullptr && i < limits::kParents && !(box && turned); ++i) {
+        const PageNode& node = pageNode(tree, *obj);
+        if (!box) box = node.box;
+        if (!turned) turned = node.rotation;
+        obj = node.parent;
     }
-    if (mediaBox != nullptr) std::copy(std::begin(box), std::end(box), mediaBox);
+    if (mediaBox != nullptr) {
+        const std::array<int, 4> found = box.value_or(std::array<int, 4>{});
+        std::copy(found.begin(), found.end(), mediaBox);
+    }
     const int degrees = turned.value_or(0);
     if (rotate != nullptr) *rotate = degrees < 0 ? degrees + 360 : degrees;
     return page;
@@ -159,7 +173,7 @@ int CPdf::GetPageNoFromObjRef(int* objNum, int* /*genNum*/) {
     CPdfObj* const root = referencedObject(entryValue(catalogue->content(), "/Pages"));
     if (root == nullptr) return -1;
     const int count = entryInt(root->content(), "/Count").value_or(0);
-    const auto& pages = pageList(*root);
+    const auto& pages = pageTree(*root).objects;
     const auto visited = std::min(pages.size(), static_cast<std::size_t>(std::max(count, 0)));
     for (std::size_t i = 0; i < visited; ++i) {
         if (pages[i]->GetObjNum() == *objNum) return static_cast<int>(i);

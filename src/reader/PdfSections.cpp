@@ -24,7 +24,7 @@ constexpr int kLastGeneration = 65535;  // generation of the free list's head (I
 // Shows the entries of a section as a table; asks once whether anybody looks.
 class EntryDump {
 public:
-    explicit EntryDump(const LoggerRef& logger) : logger_(logger), wanted_(debugWanted(logger)) {
+    explicit EntryDump(const ClassLogger& logger) : logger_(logger), wanted_(debugWanted(logger)) {
         if (!wanted_) return;
         writeDebug(logger_, " Typ|ObjNr   |Fileoffset|GenNr   |ArrayNum");
         writeDebug(logger_, " ---+--------+----------+--------+--------");
@@ -36,7 +36,7 @@ public:
     }
 
 private:
-    const LoggerRef& logger_;
+    const ClassLogger& logger_;
     bool wanted_;
 };
 
@@ -81,7 +81,7 @@ private:
 };
 
 // The subsections of a cross-reference stream.
-std::vector<IndexPair> subsections(CPdfTrailer& trailer, int size, const LoggerRef& logger) {
+std::vector<IndexPair> subsections(CPdfTrailer& trailer, int size, const ClassLogger& logger) {
     const unsigned char* const index = trailer.Getm_cIndexField();
     if (index == nullptr) return {{0, size}};
     auto pairs = indexPairs(reinterpret_cast<const char*>(index));
@@ -95,7 +95,7 @@ std::vector<IndexPair> subsections(CPdfTrailer& trailer, int size, const LoggerR
 }
 
 // Announces the buffer sizes up to the one that holds the result.
-void logInflating(const LoggerRef& logger, std::size_t length, std::size_t result) {
+void logInflating(const ClassLogger& logger, std::size_t length, std::size_t result) {
     if (!debugWanted(logger)) return;
     for (std::size_t factor = 10;; factor += 10) {
         writeDebug(logger, text("calling uncompress (bufferlen:", length * factor, ")"));

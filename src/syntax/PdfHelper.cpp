@@ -1,8 +1,6 @@
 // CPdfHelper: the face of the readers and of the reference utilities for C strings.
 #include "varnpdf/PdfHelper.h"
 
-#include <log4cxx/logger.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -39,7 +37,7 @@ void storeNumber(const varnpdf::NumberToken& number, float* f, int* i, int* isFl
 
 }  // namespace
 
-std::shared_ptr<log4cxx::Logger> CPdfHelper::m_logger = log4cxx::Logger::getLogger("VarnPDF.CPdfHelper");
+constinit varnpdf::ClassLogger CPdfHelper::m_logger{"VarnPDF.CPdfHelper"};
 
 CPdfHelper::CPdfHelper() = default;
 CPdfHelper::~CPdfHelper() = default;

@@ -137,6 +137,29 @@ TEST(Signatures, ValuesByTag) {
     }
 }
 
+TEST(Signatures, EntriesOfAnObject) {
+    OpenedPdf opened(withDictionary("<< /D << /A (in) >> /A (out) /A (later) >>"));
+    CPdfObj* const obj = opened.pdf.get_pdf_obj_from_map(5);
+    std::string key = "/A";
+    char out[200] = {};
+    int begin = 0;
+    int end = 0;
+    int length = 0;
+    EXPECT_EQ(opened.pdf.GetSignRefVal(obj, key.data(), out, &length), 1);
+    EXPECT_STREQ(out, "(later)");
+    EXPECT_EQ(length, 7);
+    EXPECT_EQ(opened.pdf.GetSignRefVal(obj, key.data(), out, nullptr), 1);
+    EXPECT_EQ(opened.pdf.GetSignRefVal(obj, std::string("/B").data(), out, &length), 0);
+    std::fill(std::begin(out), std::end(out), '\0');
+    EXPECT_EQ(opened.pdf.ReadDictionaryEntryWithInDict(obj, "/A", out, &begin, &end), 1);
+    EXPECT_STREQ(out, "(in)");
+    std::fill(std::begin(out), std::end(out), '\0');
+    EXPECT_EQ(opened.pdf.ReadDictionaryEntry(obj, "/A", out, &begin, &end), 1);
+    EXPECT_STREQ(out, "(later)");
+    EXPECT_EQ(obj->content().substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin)),
+              "/A (later)");
+}
+
 struct Fetched {
     int code;
     std::string bytes;

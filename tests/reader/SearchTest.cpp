@@ -90,6 +90,8 @@ TEST(Search, Rules) {
         {" trailer<<   atrailer<< ", "trailer", 14, 1},  // '<' behind is enough
         {" atrailer \n   ", "trailer", -1, -1},
         {" startxref 5" + tail, "startxref", -1, 1},  // only the last 1024 bytes
+        {" startxref 5" + tail.substr(0, 1013), "startxref", -1, 1},
+        {"  startxref 5" + tail.substr(0, 1012), "startxref", 2, 2},
         {" trailer 5" + tail, "trailer", 1, 1},
     };
     for (const auto& row : rows) {

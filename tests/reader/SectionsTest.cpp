@@ -81,7 +81,8 @@ TEST(Sections, WhatIsLoaded) {
         // tables
         {"plain", five, "(old) - -"},
         {"heading starts at 1", replaced(five, "xref\n0 4", "xref\n1 4"), "(old) - -"},
-        {"heading on the line of the keyword", replaced(five, "xref\n0 4", "xref 0 4"), "(old) - -"},
+        {"heading on the line of the keyword",
+         replaced(withFive().table().object(5, "(new)").table().bytes(), "xref\n5 1", "xref 5 1"), "(new) - -"},
         {"CR LF", withFive("(old)", "\r\n").table().bytes(), "(old) - -"},
         {"CR", withFive("(old)", "\r").table().bytes(), "(old) - -"},
         {"free", withFive().entry(5, 'f', 0, 0).table().bytes(), "- - -"},
@@ -245,6 +246,19 @@ TEST(Sections, TrailersOfAChain) {
     }
     EXPECT_EQ(pdf.GetLastTrailer()->GetPrev(), middle);
     EXPECT_EQ(pdf.GetUpdateTrailer()->GetPrev(), newest);
+}
+
+TEST(Sections, CompanionStreamOfAHybridFile) {
+    const std::string hybrid = smallDocument().objectStream(9, {{5, "(x)"}}).hybrid(8).bytes();
+    OpenedPdf opened(replaced(hybrid, "/Size 10", "/Size 12"));  // the companion's, which comes first
+    EXPECT_EQ(opened.pdf.GetLastTrailer()->GetSize(), 12);
+    EXPECT_EQ(opened.pdf.GetUpdateTrailer()->GetSize(), 12);
+    EXPECT_EQ(opened.pdf.GetTrailerCount(), 1);
+    EXPECT_TRUE(opened.pdf.ExtractXRefStm(opened.pdf.GetLastTrailer()));
+    OpenedPdf plain(smallDocument().table().bytes());
+    const LogCapture log("VarnPDF.CPdf");
+    EXPECT_FALSE(plain.pdf.ExtractXRefStm(plain.pdf.GetLastTrailer()));
+    EXPECT_TRUE(log.has("### ExtractXRefStm ABBRUCH (kein obj-Daten bei manueller Suche gefunden)"));
 }
 
 TEST(Sections, TheUpdateTrailerPointsBackAlsoAtAFirstSection) {
