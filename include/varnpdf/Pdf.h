@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "varnpdf/ByteStream.h"
+#include "varnpdf/ClassLogger.h"
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/PdfSigInfo.h"
 #include "varnpdf/PdfTrailer.h"
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 namespace varnpdf {

@@ -179,8 +179,8 @@ private:
     int columns_ = 0;
     int typeEntryPos_ = 0;
     int typeEntryLen_ = 0;
-    const char* text_ = nullptr;               // borrowed, or owned_.get()
-    std::unique_ptr<unsigned char[]> owned_;   // terminated copy, when there is one
+    const char* text_ = nullptr;              // borrowed, or owned_.get()
+    std::unique_ptr<unsigned char[]> owned_;  // terminated copy, when there is one
     std::unique_ptr<char[]> dictionaryType_;
     std::unique_ptr<char[]> dictionarySubtype_;
     std::uint64_t* revision_ = nullptr;

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "varnpdf/PdfObj.h"
 #include "varnpdf/ClassLogger.h"
+#include "varnpdf/PdfObj.h"
 #include "varnpdf/export.h"
 
 /// A trailer, from a classic "trailer" dictionary or from a cross-reference stream. The object's text is the raw text

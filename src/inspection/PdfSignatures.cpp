@@ -20,9 +20,9 @@ constexpr int kAllSlots = std::numeric_limits<int>::max();
 constexpr std::size_t kNone = std::string_view::npos;
 
 // Keys of the signature dictionary by tag, from 1.
-constexpr std::array<const char*, 14> kTagKeys = {
-    "",       "/Reason", "/Location", "/M",        "/Name",     "/Filter", "/SubFilter", "/ByteRange",
-    "/Contents", "/FT",  "/Cert",     "/Type",     "/R",        "/ContactInfo"};
+constexpr std::array<const char*, 14> kTagKeys = {"",        "/Reason",    "/Location",  "/M",          "/Name",
+                                                  "/Filter", "/SubFilter", "/ByteRange", "/Contents",   "/FT",
+                                                  "/Cert",   "/Type",      "/R",         "/ContactInfo"};
 
 enum Tag : int { kByteRange = 7, kContents = 8, kCert = 10 };
 
@@ -124,9 +124,8 @@ void CPdf::create_vectorlist_of_signatures(std::vector<std::string>& names) {
     objects_->forEach(kAllSlots, [&](int, CPdfObj& obj) {
         const std::string_view text = obj.content();
         if (!contains(entryValue(text, "/FT"), "/Sig")) return;
-        logDebug(m_logger, contains(text, "/V")
-                               ? "/V gefunden, checke heiter weiter"
-                               : "kein /V gefunden, checke heiter weiter könnte leeres Sigfeld sein");
+        logDebug(m_logger, contains(text, "/V") ? "/V gefunden, checke heiter weiter"
+                                                : "kein /V gefunden, checke heiter weiter könnte leeres Sigfeld sein");
         if (!contains(text, "/T")) return;
         logDebug(m_logger, "/T gefunden, also Namen merken!");
         if (findLaterEntry(text, "/T")) names.emplace_back(entryValue(text, "/T"));

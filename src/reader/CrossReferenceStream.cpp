@@ -74,8 +74,7 @@ bool undoPrediction(Bytes& data, std::size_t columns) {
             const int up = above == nullptr ? 0 : above[i];
             const int left = i == 0 ? 0 : bytes[written + i - 1];
             const int corner = above == nullptr || i == 0 ? 0 : above[i - 1];
-            bytes[written + i] =
-                static_cast<unsigned char>(bytes[at + 1 + i] + prediction(filter, left, up, corner));
+            bytes[written + i] = static_cast<unsigned char>(bytes[at + 1 + i] + prediction(filter, left, up, corner));
         }
         written += count;
     }

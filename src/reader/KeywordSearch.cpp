@@ -29,8 +29,7 @@ std::size_t KeywordSearch::last(std::size_t start) {
 
 std::size_t KeywordSearch::scan(std::size_t at) const {
     while (at < content_.size()) {
-        const void* const hit =
-            memmem(content_.data() + at, content_.size() - at, keyword_.data(), keyword_.size());
+        const void* const hit = memmem(content_.data() + at, content_.size() - at, keyword_.data(), keyword_.size());
         if (hit == nullptr) return kNone;
         at = static_cast<std::size_t>(static_cast<const char*>(hit) - content_.data());
         if (counts(at)) return at;

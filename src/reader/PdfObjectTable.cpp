@@ -60,15 +60,15 @@ void CPdf::DebugShowObjectInfo() {
     if (!debugWanted(m_logger)) return;
     writeDebug(m_logger, "Uebersicht Objekte des PDFs");
     writeDebug(m_logger, "Inhalt MAP (2018) des PDF");
-    writeDebug(m_logger, ".|  MapKey |   ObjNum | GenNum |   FileOffset |       To-Pos | compr | inUse | "
-                         "Content (first 150 Zchn.)");
+    writeDebug(m_logger,
+               ".|  MapKey |   ObjNum | GenNum |   FileOffset |       To-Pos | compr | inUse | "
+               "Content (first 150 Zchn.)");
     for (auto [slot, obj] = objects_->lowerBound(std::numeric_limits<int>::min()); obj != nullptr;
          std::tie(slot, obj) = objects_->lowerBound(slot + 1)) {
         writeDebug(m_logger, text(".|", Padded{slot, 8}, " |", Padded{obj->GetObjNum(), 9}, " |",
                                   Padded{obj->GetGenNumber(), 7}, " |", Padded{obj->GetFromPos(), 13}, " |",
-                                  Padded{obj->GetToPos(), 13}, " |     ", obj->GetIsCompressed() ? '1' : '0',
-                                  " |     ", obj->IsInUse() ? '1' : '0', " | ",
-                                  obj->content().substr(0, kShownContent)));
+                                  Padded{obj->GetToPos(), 13}, " |     ", obj->GetIsCompressed() ? '1' : '0', " |     ",
+                                  obj->IsInUse() ? '1' : '0', " | ", obj->content().substr(0, kShownContent)));
         if (slot == std::numeric_limits<int>::max()) break;
     }
 }
@@ -78,7 +78,6 @@ void CPdf::DebugShowTrailerInfo() {
     writeDebug(m_logger, "Uebersicht der Trailer");
     for (const auto& trailer : trailers_) {
         writeDebug(m_logger, text("XRef: ", trailer->GetXRef(), " Size: ", trailer->GetSize(),
-                                  " Prev: ", trailer->GetPrev(), " Root: ", trailer->root(),
-                                  " ID: ", trailer->id()));
+                                  " Prev: ", trailer->GetPrev(), " Root: ", trailer->root(), " ID: ", trailer->id()));
     }
 }

@@ -48,7 +48,8 @@ void CPdf::FileCloser::operator()(std::FILE* file) const noexcept { std::fclose(
 void CPdf::FreeBytes::operator()(unsigned char* bytes) const noexcept { std::free(bytes); }
 
 CPdf::CPdf()
-    : updateTrailer_(std::make_unique<CPdfTrailer>()), lastTrailer_(std::make_unique<CPdfTrailer>()),
+    : updateTrailer_(std::make_unique<CPdfTrailer>()),
+      lastTrailer_(std::make_unique<CPdfTrailer>()),
       objects_(std::make_unique<ObjectTable>()) {}
 
 CPdf::~CPdf() = default;

@@ -31,8 +31,8 @@ public:
     }
     void row(std::string_view type, long long objnum, int offset, int gen) const {
         if (!wanted_) return;
-        writeDebug(logger_, text("   ", type, "|", Padded{objnum, 8}, "|", Padded{offset, 10}, "|", Padded{gen, 8},
-                                 "|", Padded{objnum, 8}));
+        writeDebug(logger_, text("   ", type, "|", Padded{objnum, 8}, "|", Padded{offset, 10}, "|", Padded{gen, 8}, "|",
+                                 Padded{objnum, 8}));
     }
 
 private:

@@ -37,8 +37,7 @@ inline void appendPart(std::string& out, char c) { out.push_back(c); }
 inline void appendPart(std::string& out, Digits number) { detail::appendNumber(out, number.value, number.width, '0'); }
 inline void appendPart(std::string& out, Padded number) { detail::appendNumber(out, number.value, number.width, ' '); }
 template <std::integral Number>
-    requires(!std::same_as<Number, char> && !std::same_as<Number, bool>)
-void appendPart(std::string& out, Number number) {
+requires(!std::same_as<Number, char> && !std::same_as<Number, bool>) void appendPart(std::string& out, Number number) {
     detail::appendNumber(out, static_cast<long long>(number), 0, ' ');
 }
 
