@@ -24,6 +24,14 @@ struct Found {
 
 std::string slashed(const std::string& key) { return key.starts_with('/') ? key : '/' + key; }
 
+/// Behind the value. That of a name that runs on into a hexadecimal string ("/N<41>") has its '>' behind the end that is
+/// reported.
+std::size_t behindValue(std::string_view text, const Found& found) {
+    const auto end = static_cast<std::size_t>(found.end);
+    const bool runsOn = found.value.starts_with('/') && found.value.find('<') != std::string::npos;
+    return runsOn && text.substr(0, end + 1).ends_with(found.value) ? std::min(end + 1, text.size()) : end;
+}
+
 /// What holds of every lookup.
 void checkFound(std::string_view text, const std::string& key, const Found& found) {
     if (found.result == 0) {
@@ -31,11 +39,12 @@ void checkFound(std::string_view text, const std::string& key, const Found& foun
         return;
     }
     const auto at = static_cast<std::size_t>(found.at);
-    const auto end = static_cast<std::size_t>(found.end);
-    check(found.result == 1 && found.at >= 0 && found.at < found.end && end <= text.size(),
+    check(found.result == 1 && found.at >= 0 && found.at < found.end &&
+              static_cast<std::size_t>(found.end) <= text.size(),
           "an entry lies inside the text");
+    const std::size_t end = behindValue(text, found);
     check(standsAt(text, at, slashed(key)), "the key stands at its position");
-    check(found.length >= 0 && found.length <= found.end - found.at, "a value lies behind its key");
+    check(found.length >= 0 && static_cast<std::size_t>(found.length) <= end - at, "a value lies behind its key");
     check(text.substr(at, end - at).find(found.value) != std::string_view::npos, "the value stands behind its key");
     check(found.value.empty() || text.substr(0, end).ends_with(found.value), "the entry ends with its value");
 }
@@ -84,7 +93,8 @@ void deleteEntry(std::string_view text, const std::string& key, int namesAsValue
     check(obj.DeleteDictionaryEntry(key.c_str(), namesAsValues) == found.result, "what is found can be deleted");
     std::string expected(text);
     if (found.result == 1) {
-        expected.erase(static_cast<std::size_t>(found.at), static_cast<std::size_t>(found.end - found.at));
+        const auto at = static_cast<std::size_t>(found.at);
+        expected.erase(at, behindValue(text, found) - at);
     }
     check(obj.content() == expected, "deleting an entry changes nothing else");
 }

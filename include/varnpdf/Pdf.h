@@ -25,6 +25,7 @@ struct IndexPair;
 struct ObjectList;
 struct PageNode;
 struct PageTree;
+struct SectionTexts;
 }  // namespace varnpdf
 
 /// One document. Construct, `Open` (or `ParseContent`), read; `Close` or destroy at the end. A `CPdf` is used for one
@@ -245,7 +246,7 @@ private:
     bool extractRows(CPdfTrailer& trailer, varnpdf::Bytes& data);
     bool recordRows(std::string_view rows, const varnpdf::FieldWidths& widths,
                     const std::vector<varnpdf::IndexPair>& pairs);
-    CPdfTrailer* readSection(int offset, const char* kind);
+    CPdfTrailer* readSection(int offset, const varnpdf::SectionTexts& texts);
     void readSectionChain();
     void raiseSize(int size);
     bool loadPlainObjects();

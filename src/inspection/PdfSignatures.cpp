@@ -138,8 +138,7 @@ int CPdf::GetSignRefVal(CPdfObj* obj, char* key, char* buffer, int* length) {
     const std::string_view text = obj->content();
     const auto entry = findLaterEntry(text, key);
     const std::string_view value = entry ? entry->value.of(text) : std::string_view{};
-    std::memcpy(buffer, value.data(), value.size());
-    buffer[value.size()] = '\0';
+    *std::copy(value.begin(), value.end(), buffer) = '\0';
     if (length != nullptr) *length = static_cast<int>(std::strlen(buffer));
     return entry ? 1 : 0;
 }

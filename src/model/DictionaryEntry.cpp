@@ -185,14 +185,21 @@ private:
         return at;
     }
 
-    // Numbers, references and bare words run to the next name or the end of the dictionary.
+    // Numbers, references and bare words run to the next name or the end of the dictionary; a comment in front of a
+    // string or an array does as well, and takes it along.
     [[nodiscard]] std::size_t plainEnd(std::size_t at) const {
-        static constexpr auto kStops = stopTable("/>]");
-        for (; at < text_.size(); ++at) {
-            if (!kStops[static_cast<unsigned char>(text_[at])]) continue;
-            if (text_[at] == '/' || closes(at)) return at;
+        static constexpr auto kStops = stopTable("/>]([<");
+        while (at < text_.size()) {
+            const char c = text_[at];
+            if (!kStops[static_cast<unsigned char>(c)]) {
+                ++at;
+            } else if (c == '/' || closes(at)) {
+                return at;
+            } else {
+                at = c == '>' || c == ']' ? at + 1 : unitEnd(at);
+            }
         }
-        return depth_ == 0 ? at : kNone;
+        return depth_ == 0 && at != kNone ? at : kNone;
     }
 
     std::string_view text_;

@@ -25,6 +25,9 @@ bool isPlainInUse(const CPdfObj& obj) {
            obj.GetFromPos() >= 1;
 }
 
+constexpr SectionTexts kPreviousTexts{"PREV-Trailer-Size:", "PREV-Trailer-Size RESET !!!!!!!"};
+constexpr SectionTexts kCompanionTexts{"XRefStm-Trailer-Size:", "XRefStm-Trailer-Size RESET !!!!!!!"};
+
 struct PackedObject {
     int number;
     std::size_t begin;
@@ -96,25 +99,25 @@ void CPdf::readSectionChain() {
     };
     logDebug(m_logger, "Erster XRefStm-Check");
     if (const auto stream = entryInt(keyText(*lastTrailer_), "/XRefStm"); isNew(stream)) {
-        readSection(*stream, "XRefStm");
+        readSection(*stream, kCompanionTexts);
     }
     logDebug(m_logger, "Erster Prev-Check");
     auto previous = entryInt(keyText(*lastTrailer_), "/Prev");
     while (isNew(previous)) {
-        const std::string_view keys = keyText(*readSection(*previous, "PREV"));
-        if (const auto stream = entryInt(keys, "/XRefStm"); isNew(stream)) readSection(*stream, "XRefStm");
+        const std::string_view keys = keyText(*readSection(*previous, kPreviousTexts));
+        if (const auto stream = entryInt(keys, "/XRefStm"); isNew(stream)) readSection(*stream, kCompanionTexts);
         previous = entryInt(keys, "/Prev");
     }
 }
 
-CPdfTrailer* CPdf::readSection(int offset, const char* kind) {
+CPdfTrailer* CPdf::readSection(int offset, const SectionTexts& texts) {
     trailers_.push_back(std::make_unique<CPdfTrailer>());
     CPdfTrailer* const section = trailers_.back().get();
     RetrievePdfTrailer(section, &offset);
     ExtractTrailer(section);
-    logDebug(m_logger, kind, "-Trailer-Size:", section->GetSize());
+    logDebug(m_logger, texts.size, section->GetSize());
     if (section->GetSize() > lastTrailer_->GetSize()) {
-        logDebug(m_logger, kind, "-Trailer-Size RESET !!!!!!!");
+        logDebug(m_logger, texts.reset);
         lastTrailer_->SetSize(section->GetSize());
         updateTrailer_->SetSize(section->GetSize());
     }
@@ -174,7 +177,7 @@ bool CPdf::unpackObjectStream(CPdfObj& stream) {
         const std::size_t keyword = held.find("obj");
         length = keyword == std::string_view::npos ? std::nullopt : Cursor(held, keyword + 3).takeInt();
     }
-    const auto data = streamData(text);
+    const auto data = streamData(text, m_logger);
     if (!count || !first || !length || !data || *count < 0 || *first < 0 || *length < 0) {
         logDebug(m_logger, "### RetrieveObjects ABBRUCH (Problem beim Einlesen des Contents)");
         return false;

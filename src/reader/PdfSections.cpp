@@ -142,7 +142,7 @@ bool CPdf::extractStream(CPdfTrailer& trailer) {
     const std::string_view object = trailer.content();
     const auto length = entryInt(object, "/Length");
     if (!length || *length < 0) return false;
-    const auto stream = streamData(object);
+    const auto stream = streamData(object, m_logger);
     if (!stream) {
         logDebug(m_logger, "### ExtractTrailer ABBRUCH ('stream' nicht gefunden)");
         return false;

@@ -7,12 +7,13 @@
 
 namespace varnpdf {
 
-std::optional<std::string_view> streamData(std::string_view object) {
+std::optional<std::string_view> streamData(std::string_view object, const ClassLogger& logger) {
     constexpr std::string_view kStream = "stream";
     for (std::size_t at = object.find(kStream); at != std::string_view::npos; at = object.find(kStream, at + 1)) {
         Cursor cursor(object, at + kStream.size());
         cursor.skipWhite();
         if (cursor.peek() != ')') return cursor.rest();
+        logDebug(logger, " + Stream in Klammern gefunden. Suche weiter");
     }
     return std::nullopt;
 }

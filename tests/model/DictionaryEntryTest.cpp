@@ -80,6 +80,7 @@ const Lookup kLookups[] = {
      51},
     {"<< /TestKey [<01234567890ABCDEF><01234567890ABCDEF>]>>", "[<01234567890ABCDEF><01234567890ABCDEF>]", 3, 52},
     {"<< /TestKey [<01234567890ABCDEF><01234567890ABCDEF>] >>", "[<01234567890ABCDEF><01234567890ABCDEF>]", 3, 52},
+    {"<< /TestKey [<41]42>] >>", "[<41]42>]", 3, 21},
     {"<< /TestKey [10 0 R 20 0 R]>>", "[10 0 R 20 0 R]", 3, 27},
     {"<</TestKey <</neuesDicthier 1>>/TestKey2 2>>", "<</neuesDicthier 1>>", 2, 31},
     {"<</TestKey <</neuesDicthier 1>>>>", "<</neuesDicthier 1>>", 2, 31},
@@ -123,7 +124,8 @@ const Lookup kLookups[] = {
     {"<< /A <12 /TestKey 1 ", nullptr},
     {"<< /A [1 2 /TestKey 1 >>", nullptr},
     {"<< /A << /B 1 /TestKey 1 >>", nullptr},
-    {"<< /A 1 >> /TestKey 1", nullptr},
+    {"<< /A 1 >> /TestKey (x)", nullptr},
+    {"<< /TestKey 12", nullptr},
     {"", nullptr},
 };
 

@@ -51,7 +51,7 @@ TEST(Search, EqualsTheBlockWiseWalk) {
     for (int round = 0; round < 400; ++round) {
         std::string content(static_cast<std::size_t>(lengths[below(13)]), " xX\n"[below(4)]);
         for (int i = below(6); i >= 0; --i) {
-            static constexpr std::string_view kAround = " \n\v<x%\0";
+            static constexpr std::string_view kAround(" \n\v<x%\0", 7);
             const std::string word = std::string(1, kAround[static_cast<std::size_t>(below(7))]) + keywords[below(4)] +
                                      kAround[static_cast<std::size_t>(below(7))];
             const int limit = static_cast<int>(content.size()) - static_cast<int>(word.size());
