@@ -1,6 +1,8 @@
 // CPdfHelper: readers of PDF syntax and the utilities on references and arrays.
 #pragma once
 
+#include <sys/timeb.h>
+
 #include <memory>
 #include <string>
 
@@ -8,6 +10,7 @@
 #include "varnpdf/export.h"
 
 class CPdfObj;
+struct FormfieldInfo_tag;
 
 /// Readers that recognise one kind of object (ISO 32000-2 7.3) at the start of a NUL-terminated text, copy its raw
 /// text and say how far it reached, and small utilities on such texts.
@@ -142,6 +145,65 @@ public:
     /// Bytes of the DER or BER element at `der`, header and content together (ITU-T X.690 8.1); an indefinite length is
     /// followed to its end. -1 when the `len` bytes do not hold a header.
     static int getSeqLength(const unsigned char* der, int len);
+
+    // Signing
+
+    /// Rectangle (four int) of a signature of `size` (width, height) on a page: `pageBox` has four int, `pos` x and y.
+    /// `posMode`: 0 percent of the page, 1 points from the lower left, 2 upper left, 3 lower right, 4 upper right
+    /// corner of the page as it is seen. On a page turned by 180 degrees the corners come out in reversed order. 1 when
+    /// the rectangle lies inside the page, whose own origin is not added; else 0.
+    static int GetSignaturePos(int rotation, int* pageBox, int* size, int posMode, int* pos, int* rect);
+    /// May the text stand between parentheses as it is (ISO 32000-2 7.3.4.2)? 0, VARNPDF_TEXT_TOO_LONG (-1005) when it
+    /// is longer than `max`, VARNPDF_TEXT_BREAKS_STRING (-1006). Null counts as empty.
+    static int CheckThis(const char* text, int max);
+    /// The content stream of the text layer, terminated; `*length` its length. A null buffer asks for the length.
+    /// Returns 0.
+    static int GetTextStreamLayer(char* buffer, int* length, int width, int height, FormfieldInfo_tag* fields,
+                                  int fieldCount);
+    /// Resource name of a font, at most 7 characters and a terminator: family 0 Helvetica, 1 Times, 2 Courier, 3
+    /// symbols; style 0 regular, 1 bold, 2 italic, 3 bold italic. Returns 0.
+    static int IntFontname(char* out, int family, int style);
+
+    // Dates. A PDF date (ISO 32000-2 7.9.4, after ISO 8824) is D:YYYYMMDDHHmmSS+HH'mm', ISO 8601 as XMP has it is
+    // YYYY-MM-DDTHH:mm:SS+HH:mm. Zones are the process's (TZ); a `timeb` counts minutes west of UTC. No text is read
+    // beyond its end: where fixed positions are taken from one that is too short, the result is empty, null or false.
+
+    /// The current local time as PDF date in `out` (24 bytes). A zone that has daylight-saving rules is given one hour
+    /// more all year. Returns 0.
+    static int NowPDF(char* out);
+    /// The local time of `t` with the zone of `t` in `out` (32 bytes), "" for a time outside the years 0 to 9999. West
+    /// of UTC the zone's hour has one digit and zone minutes have a sign, e.g. -5'00'; see `Convert8824DoubleH`.
+    /// Returns `out`.
+    static char* TimeStruct2AdobeDateString(struct timeb* t, char* out);
+    /// The same as text to show: `format` 0 "2026.11.15 02:33:51 ", 1 "2026-11-15 02:33:51 ", any other nothing, and the
+    /// zone behind it.
+    static char* TimeStruct2LocaleDateString(int format, struct timeb* t, char* out);
+    /// `s` is a well-formed PDF date; fields at its end may be missing as a whole. The days of a month are not counted.
+    static bool IsValidDateString(char* s);
+    /// `s[from]` up to `s[to - 1]` are digits of a number from `min` to `max`, or `s` is shorter than `to`. `what` names
+    /// the field in a debug line.
+    static bool CheckDatePosValue(char* s, int from, int to, int min, int max, const char* what);
+    /// `s[from]` is '+', '-' or 'Z', or `s` is shorter than `to`.
+    static bool CheckDatePosUTValue(char* s, int from, int to);
+    /// Fills `t` from a complete PDF date of the years 1970 to 2037. The date is taken as local time; its zone decides
+    /// only whether daylight-saving time is assumed, and is stored.
+    /// @return the text ctime has for `t`, valid until the thread's next call; null, with `t` untouched, on failure
+    static char* AdobeDateString2TimeStruct(char* s, struct timeb* t);
+    /// Always null: the time asked for (YYYYMMDDHHmmSSZ) must be a PDF date as well, and none is both.
+    static char* GenTime2TimeStruct(char* s, struct timeb* t);
+    /// The date with the one-digit hour of its zone widened to two digits. Valid until the thread's next call.
+    static char* Convert8824DoubleH(char* s);
+    /// The date as ISO 8601, "" for less than its 22 fixed positions. Valid until the thread's next call.
+    static char* Convert8824to8601(char* s);
+    /// Replaces the XMP date whose key stands at `pos`: element content, or an attribute value in apostrophes. `buf` has
+    /// `size` bytes, the last 57 of them free. `*newLen` receives the length of the text. 1, or 0 with nothing changed
+    /// when the value is not there (in double quotes, say) or the new one does not fit.
+    static int ReplaceDateISO8601(char* buf, int pos, int size, char* date, int* newLen);
+    /// Replaces the literal string that is the value of the key at `pos` likewise.
+    static int ReplaceDateISO8824(char* buf, int pos, int size, char* date, int* newLen);
+    /// Replaces the modification date in XMP metadata or in a document information dictionary by a PDF date. The first
+    /// of pdf:ModDate, xmp:ModifyDate, xap:ModifyDate, xap:MetadataDate, ModDate that occurs is the one. Returns 1.
+    static int ReplaceModDate(CPdfObj* obj, char* date);
 
 private:
     static varnpdf::ClassLogger m_logger;

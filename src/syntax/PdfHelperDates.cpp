@@ -1,0 +1,97 @@
+// The dates of CPdfHelper: faces of the inner functions.
+#include <cstring>
+
+#include "syntax/Dates.h"
+#include "varnpdf/PdfHelper.h"
+
+using namespace varnpdf;
+
+namespace {
+
+constexpr int kSpare = 57;  // free bytes behind a text whose date is replaced
+
+std::string_view viewOf(const char* text) { return text == nullptr ? std::string_view{} : text; }
+
+char* copyOut(const std::string& text, char* out) {
+    if (out != nullptr) std::memcpy(out, text.c_str(), text.size() + 1);
+    return out;
+}
+
+using FindValue = std::optional<TextSpan> (*)(std::string_view text, std::size_t key) noexcept;
+
+int replaceIn(char* buf, int pos, int size, const char* date, int* newLen, FindValue findValue) {
+    if (newLen != nullptr) *newLen = size - kSpare;
+    if (buf == nullptr || newLen == nullptr || pos < 0 || pos >= size - kSpare) return 0;
+    const std::string_view text(buf, static_cast<std::size_t>(size - kSpare));
+    const std::string_view value = viewOf(date);
+    const auto old = findValue(text, static_cast<std::size_t>(pos));
+    if (!old || value.empty()) return 0;
+    const std::size_t length = text.size() - old->size() + value.size();
+    if (length > static_cast<std::size_t>(size)) return 0;
+    std::memmove(buf + old->begin + value.size(), buf + old->end, text.size() - old->end);
+    std::memcpy(buf + old->begin, value.data(), value.size());
+    if (length < static_cast<std::size_t>(size)) buf[length] = '\0';
+    *newLen = static_cast<int>(length);
+    return 1;
+}
+
+}  // namespace
+
+int CPdfHelper::NowPDF(char* out) {
+    copyOut(pdfDate(std::time(nullptr)), out);
+    return 0;
+}
+
+char* CPdfHelper::TimeStruct2AdobeDateString(struct timeb* t, char* out) {
+    return copyOut(t == nullptr ? "" : pdfDate(*t), out);
+}
+
+char* CPdfHelper::TimeStruct2LocaleDateString(int format, struct timeb* t, char* out) {
+    return copyOut(t == nullptr ? "" : displayDate(format, *t), out);
+}
+
+bool CPdfHelper::IsValidDateString(char* s) { return isValidDate(viewOf(s), m_logger); }
+
+bool CPdfHelper::CheckDatePosValue(char* s, int from, int to, int min, int max, const char* what) {
+    if (from < 0 || to <= from) return false;
+    const DateField field{static_cast<std::size_t>(from), static_cast<std::size_t>(to), min, max,
+                          what == nullptr ? "" : what};
+    return dateFieldHolds(viewOf(s), field, m_logger);
+}
+
+bool CPdfHelper::CheckDatePosUTValue(char* s, int from, int to) {
+    if (from < 0 || to <= from) return false;
+    return dateZoneHolds(viewOf(s), static_cast<std::size_t>(from), static_cast<std::size_t>(to));
+}
+
+char* CPdfHelper::AdobeDateString2TimeStruct(char* s, struct timeb* t) {
+    const auto time = t == nullptr ? std::nullopt : timeOfPdfDate(viewOf(s), m_logger);
+    if (!time) return nullptr;
+    *t = *time;
+    thread_local char result[32];
+    return ctime_r(&t->time, result);
+}
+
+// The text would have to start with the digits of a year from 1970 on and yet have "D:" and its fields where a PDF
+// date has them; no text of up to 15 characters does.
+char* CPdfHelper::GenTime2TimeStruct(char* /*s*/, struct timeb* /*t*/) { return nullptr; }
+
+char* CPdfHelper::Convert8824DoubleH(char* s) {
+    thread_local std::string result;
+    result = convert8824DoubleH(viewOf(s));
+    return result.data();
+}
+
+char* CPdfHelper::Convert8824to8601(char* s) {
+    thread_local std::string result;
+    result = convert8824to8601(viewOf(s));
+    return result.data();
+}
+
+int CPdfHelper::ReplaceDateISO8601(char* buf, int pos, int size, char* date, int* newLen) {
+    return replaceIn(buf, pos, size, date, newLen, xmpDateValue);
+}
+
+int CPdfHelper::ReplaceDateISO8824(char* buf, int pos, int size, char* date, int* newLen) {
+    return replaceIn(buf, pos, size, date, newLen, literalDateValue);
+}
