@@ -1,6 +1,7 @@
 // CByteStream: the growable output buffer of an update.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "varnpdf/export.h"
@@ -38,7 +39,10 @@ public:
     [[nodiscard]] unsigned int capacity() const { return capacity_; }
 
 private:
+    void makeRoom(std::size_t capacity);
+
     std::unique_ptr<unsigned char[]> data_;
+    std::size_t allocated_ = 0;
     unsigned int size_ = 0;
     unsigned int capacity_ = 0;
     unsigned int oldContentSize_ = 0;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,12 +14,15 @@
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/PdfSigInfo.h"
 #include "varnpdf/PdfTrailer.h"
+#include "varnpdf/PdfXRef.h"
 #include "varnpdf/export.h"
 
 namespace varnpdf {
 class Bytes;
 class KeywordSearch;
 class ObjectTable;
+class Preparation;
+struct Appearance;
 struct ByteRange;
 struct FieldWidths;
 struct IndexPair;
@@ -27,6 +31,9 @@ struct PageNode;
 struct PageTree;
 struct SectionTexts;
 }  // namespace varnpdf
+
+class CPdfLockInfo;
+struct FormfieldInfo_tag;
 
 /// One document. Construct, `Open` (or `ParseContent`), read; `Close` or destroy at the end. A `CPdf` is used for one
 /// document and by one thread at a time; different documents may be used by different threads at the same time.
@@ -71,7 +78,7 @@ public:
     [[nodiscard]] bool get_IsLinearized() const { return linearized_; }
     /// The document's bytes, NUL-terminated, owned by the document; null when none are held.
     [[nodiscard]] unsigned char* GetContent() { return content_.get(); }
-    /// Number of bytes of the document.
+    /// Number of bytes of the document; in a document made from nothing the terminator counts as well.
     [[nodiscard]] unsigned int GetContentLen() const { return contentLen_; }
 
     // --- searching the bytes ---------------------------------------------------------------------------------------
@@ -114,9 +121,6 @@ public:
     void SetObjNum(int count) { objectCount_ = count; }
     /// Takes over a pair of object numbers.
     void AddListItem(CPdfObjTransferListItem* item);
-    [[nodiscard]] std::string GetIdent() const { return ident_; }
-    [[nodiscard]] int GetPagesParent() const { return pagesParent_; }
-    void SetPagesParent(int objnum) { pagesParent_ = objnum; }
     /// Logs the object table at debug level.
     void DebugShowObjectInfo();
     /// Logs the trailers at debug level.
@@ -211,6 +215,108 @@ public:
     /// The register filled by `PdfGetNumSignatures`. Owned by the document.
     [[nodiscard]] CPdfSigInfo* GetSigInfo() { return &sigInfo_; }
 
+    // --- appended updates ------------------------------------------------------------------------------------------
+    // Full mode: the stream first receives the old document. Tail mode: it receives the appended part only, and file
+    // offsets are its position plus the old document's length.
+
+    /// Starts the output stream anew; `size` is the old document's length.
+    void ResetByteStream(unsigned int size);
+    /// Appends the whole old document to the stream (full mode). Returns 0.
+    int WriteOld2ByteStream();
+    /// The stream's bytes, owned by the document, valid until the next write.
+    [[nodiscard]] const char* GetByteStream() const;
+    [[nodiscard]] int GetByteStreamLen() const { return static_cast<int>(output_.tell()); }
+    /// Writes one object and records it in the container, at its offset in full mode.
+    void WriteTextAnnotation(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfObj* obj);
+    /// Writes the cross-reference table of the container and the trailer; `renewId` renews the second part of /ID.
+    /// Returns 0.
+    int WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode);
+
+    // --- documents from nothing ------------------------------------------------------------------------------------
+    // SetHeader, CreateObject for each object (the catalogue by CreateRoot), WriteObjArrayToContent, WriteXrefToContent,
+    // WriteTrailerToContent, then WriteAndClose or GetContent. std::bad_alloc or std::length_error leaves those that
+    // lengthen the content when there is no memory, or beyond 2 GB.
+
+    /// Makes the object with the number object count + 1, generation 0, in slot object count, and counts it.
+    /// @param comment  line behind the object's head, without "%"; "" for none
+    /// @param body     `bodyLen` bytes between head and tail, which `type` chooses: dictionary (64), array (32), any
+    ///                 other body (2); other values give neither
+    /// @return 0, or -1 with nothing changed when the slot is taken
+    int CreateObject(std::string comment, int ignored, const char* body, int bodyLen, CPdfObj::ContentType type);
+    /// Puts the file header in front of the content.
+    void SetHeader(char* header);
+    /// Appends `len` bytes; with `setPos` the object of `slot` records where.
+    void AppendToContent(char* data, int len, bool setPos, int slot);
+    /// Appends the objects of the slots 0 to object count - 1, which record their offsets. 0, or -1 with nothing
+    /// appended when a slot is empty.
+    int WriteObjArrayToContent();
+    /// Appends the cross-reference table of these objects and keeps its offset. 0 or -1 likewise.
+    int WriteXrefToContent();
+    /// Appends the trailer, with `id` as both file identifiers. Returns 0.
+    int WriteTrailerToContent(int size, std::string id);
+    /// Writes the content to the file named by `set_pdf_file_name` and closes the input file. A file that cannot be
+    /// written whole is removed. 0, or -1 when there is no content or it cannot be written.
+    int WriteAndClose();
+    /// Sets the fixed file identifier of documents from nothing, <123456>.
+    void CreateIdent();
+    [[nodiscard]] std::string GetIdent() const { return ident_; }
+    /// Makes the catalogue of a portfolio and sets the root object number. The arguments are values as they stand in
+    /// the file: `collection` the further entries of the collection dictionary, the last three "" for no such entry.
+    /// @return the result of `CreateObject`
+    int CreateRoot(std::string openAction, std::string names, std::string pages, std::string collection,
+                   std::string metadata, std::string pageLabels, std::string outputIntents);
+    [[nodiscard]] int GetRootObjNum() const { return rootObjNum_; }
+    void SetRootObjNum(int objnum) { rootObjNum_ = objnum; }
+    [[nodiscard]] int GetPagesParent() const { return pagesParent_; }
+    void SetPagesParent(int objnum) { pagesParent_ = objnum; }
+    /// Offset of the cross-reference table of a document from nothing.
+    [[nodiscard]] int GetXRefStartPos() const { return xrefStartPos_; }
+    void SetXRefStartPos(int pos) { xrefStartPos_ = pos; }
+
+    // --- objects of the table --------------------------------------------------------------------------------------
+
+    /// `CPdfObj::AddStream` on the object of the slot; an empty slot changes nothing.
+    void AddStreamInPdfArray(int slot, char* data, int len);
+    /// `CPdfObj::AddDictionaryEntry` on the object of the slot; 0 for an empty slot.
+    int AddDictionaryEntryInPdfArray(int slot, const char* key, const char* value);
+    /// Adds `item`, e.g. " 12 0 R", to an array text in place: in front of its last "]", or at the end of a text without
+    /// brackets. Every "null" goes, with one blank behind it. `array` has room for the item.
+    void AppendToRefArray(char* array, const char* item);
+    /// The same with a reference to the object.
+    void AppendToRefArray(char* array, CPdfObj* obj);
+
+    // --- signing ---------------------------------------------------------------------------------------------------
+
+    /// true: /SubFilter /ETSI.CAdES.detached, false (the default): /adbe.pkcs7.detached.
+    void setUserETSISubFilter(bool etsi) { etsiSubFilter_ = etsi; }
+    [[nodiscard]] bool isUserETSISubFilter() const { return etsiSubFilter_; }
+    /// The AcroForm object of the catalogue, or null when it has none or a direct one. Sets the object count to /Size.
+    CPdfObj* GetAcroFormObj();
+    /// The `index`-th terminal field below a reference list without brackets, counting every field with /FT; the
+    /// caller resets the counter first.
+    CPdfObj* GetSigObjectFromArray(char* refList, int index);
+    void ResetFieldCounter() { fieldCounter_ = 0; }
+    /// Rectangle (fractions dropped) and page index of a signature. 0, or -1 when there is none with this index.
+    int GetSignaturePositions(int sigIndex, int* x1, int* y1, int* x2, int* y2, int* page);
+    /// Writes its name to the debug log; changes nothing in this release.
+    void correct_annots();
+    /// Writes all objects of a signature into the update: widget, signature dictionary, appearance, metadata. Numbers
+    /// count from the widget's; every object becomes an entry of `xref`.
+    /// @param mode 0 signed; the int behind the first-signature flag are unused (-1)
+    /// @return 0, or -1041 (compressing failed), -1083 (image unreadable)
+    int WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj* fieldLock, CPdfObj* metadata, int mode,
+                       int visible, CPdfSigInfo* info, int* rect, int* size, int rotation, int appearanceOption1,
+                       char* reason, char* location, char* name, char* signDate, bool firstSignature, int unused1,
+                       int unused2, int unused3, int unused4, int existingSignatures, unsigned int contentsSize,
+                       int additionalLayers, int useImage, char* imageFile, FormfieldInfo_tag* fields, int fieldCount,
+                       int transparentImage, CPdfLockInfo* lock);
+    /// Writes the widget merged with its field; fills `entry`.
+    void write_annot(CPdfXRefEntry* entry, CPdfObj* widget, CPdfObj* page, CPdfSigInfo* info, int* rect, int mode,
+                     std::vector<std::string> names, CPdfObj* fieldLock, CPdfLockInfo* lock);
+    /// Writes the signature dictionary with its placeholders; fills `entry` and the byte ranges of `info`.
+    void WriteSigBlock(CPdfXRefEntry* entry, int objnum, int gen, CPdfSigInfo* info, char* reason, char* location,
+                       char* name, char* signDate, std::uint32_t contentsSize, CPdfLockInfo* lock);
+
     // --- lock state ------------------------------------------------------------------------------------------------
 
     /// Evaluates whether a signature locks the document against every further change; `Open` does this.
@@ -219,6 +325,9 @@ public:
     [[nodiscard]] int get_lockstate() const { return lockState_; }
 
 private:
+    friend class CPdfSign;
+    friend class varnpdf::Preparation;
+
     struct FileCloser {
         void operator()(std::FILE* file) const noexcept;
     };
@@ -255,9 +364,25 @@ private:
     bool placeUnpacked(CPdfObj& stream, std::string_view decoded, std::size_t count, std::size_t first);
     [[nodiscard]] std::size_t inflateBudget() const noexcept;
     CPdfObj* referencedObject(std::string_view value);
+    [[nodiscard]] std::optional<int> referencedNumber(int number) const;
+    void print(std::string_view text);
+    [[nodiscard]] std::size_t filePosition() const noexcept;
+    void beginEntry(CPdfXRef& xref);
+    void WriteAP1(CPdfXRef& xref, const varnpdf::Appearance& form);
+    void WriteAP2(CPdfXRef& xref, const varnpdf::Appearance& form);
+    void WriteAP3(CPdfXRef& xref, const varnpdf::Appearance& form);
+    bool WriteAP5(CPdfXRef& xref, const varnpdf::Appearance& form, FormfieldInfo_tag* fields, int fieldCount);
+    void WriteAP6(CPdfXRef& xref, const varnpdf::Appearance& form);
+    void WriteAP7(CPdfXRef& xref, const varnpdf::Appearance& form);
+    bool Write_AdobeLayer(CPdfXRef& xref, const varnpdf::Appearance& form);
+    void write_transp_mask(CPdfXRef& xref, const varnpdf::Appearance& form);
+    void WriteMetadata(CPdfXRef& xref, int number, std::string_view content);
+    bool writeVisible(CPdfXRef& xref, const varnpdf::Appearance& form, FormfieldInfo_tag* fields, int fieldCount);
     varnpdf::PageTree& pageTree(CPdfObj& root);
     const varnpdf::PageNode& pageNode(varnpdf::PageTree& tree, const CPdfObj& obj);
-    void walkPages(std::string_view references, const CPdfObj* root, std::vector<CPdfObj*>& pages);
+    void walkTree(std::string_view references, const CPdfObj* root, bool (*isLeaf)(CPdfObj&),
+                  std::vector<CPdfObj*>& leaves);
+    std::optional<std::string> pageContent(const CPdfObj& page);
     std::string_view kidsOf(CPdfObj& node);
     const std::vector<CPdfObj*>& signatureFields();
     bool isSignatureField(CPdfObj& obj);
@@ -265,12 +390,17 @@ private:
     int readByteRange(int index, varnpdf::ByteRange& range);
     bool lockedBySignature(std::string_view signature);
     bool lockedByTransform(std::string_view dictionary);
+    void ownContent();
+    void insertContent(std::size_t at, std::string_view text);
+    void appendContent(std::string_view text);
+    [[nodiscard]] bool slotsFilled() const;
 
     std::vector<std::unique_ptr<CPdfTrailer>> trailers_;
     std::vector<std::unique_ptr<CPdfObjTransferListItem>> transfers_;
     std::unique_ptr<std::FILE, FileCloser> file_;
     std::unique_ptr<unsigned char[], FreeBytes> content_;
     unsigned int contentLen_ = 0;
+    std::size_t contentCapacity_ = 0;  // 0 while the content is as it was read
     int encrypted_ = 0;
     int objectCount_ = 0;
     std::string fileName_;
@@ -289,7 +419,11 @@ private:
     std::unique_ptr<varnpdf::ObjectList> signatures_;
     CPdfSigInfo sigInfo_;
     int pagesParent_ = 0;
+    int rootObjNum_ = 0;
+    int xrefStartPos_ = 0;
     int lockState_ = 0;
+    bool etsiSubFilter_ = false;
+    int fieldCounter_ = 0;
     bool signaturesCounted_ = false;
     int signatureCount_ = 0;
 

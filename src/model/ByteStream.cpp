@@ -12,14 +12,15 @@ constexpr unsigned int kHeadroom = 20000;
 
 }  // namespace
 
-CByteStream::CByteStream() : data_(std::make_unique<unsigned char[]>(kHeadroom)), capacity_(kHeadroom) {}
+CByteStream::CByteStream()
+    : data_(std::make_unique<unsigned char[]>(kHeadroom)), allocated_(kHeadroom), capacity_(kHeadroom) {}
 
 CByteStream::~CByteStream() = default;
 
 void CByteStream::init(unsigned int oldSize) {
     data_ = std::make_unique_for_overwrite<unsigned char[]>(kHeadroom);
     size_ = 0;
-    capacity_ = kHeadroom;
+    allocated_ = capacity_ = kHeadroom;
     oldContentSize_ = oldSize;
 }
 
@@ -27,15 +28,24 @@ int CByteStream::append(unsigned char* p, unsigned int n) {
     const std::size_t needed = std::size_t{size_} + n;
     if (needed > capacity_) {
         if (needed > std::numeric_limits<unsigned int>::max() - kHeadroom) throw std::length_error("CByteStream");
-        const auto grown = static_cast<unsigned int>(needed) + kHeadroom;
-        auto data = std::make_unique_for_overwrite<unsigned char[]>(grown);
-        std::memcpy(data.get(), data_.get(), std::min(size_, capacity_));
-        data_ = std::move(data);
-        capacity_ = grown;
+        makeRoom(needed + kHeadroom);
     }
     if (n > 0) std::memcpy(data_.get() + size_, p, n);
     size_ += n;
     return 0;
+}
+
+// The capacity that is told grows by the headroom; what is allocated doubles, so that many small appends to a large
+// stream stay linear.
+void CByteStream::makeRoom(std::size_t capacity) {
+    if (capacity > allocated_) {
+        const std::size_t grown = std::max(capacity, allocated_ * 2);
+        auto data = std::make_unique_for_overwrite<unsigned char[]>(grown);
+        std::memcpy(data.get(), data_.get(), std::min(size_, capacity_));
+        data_ = std::move(data);
+        allocated_ = grown;
+    }
+    capacity_ = static_cast<unsigned int>(capacity);
 }
 
 int CByteStream::print(char* s) {

@@ -165,18 +165,20 @@ std::size_t CPdf::inflateBudget() const noexcept {
     return budget - std::min(budget, inflated_);
 }
 
+std::optional<int> CPdf::referencedNumber(int number) const {
+    const CPdfObj* const holder = objects_->find(number);
+    const std::string_view held = holder == nullptr ? std::string_view{} : holder->content();
+    const std::size_t keyword = held.find("obj");
+    return keyword == std::string_view::npos ? std::nullopt : Cursor(held, keyword + 3).takeInt();
+}
+
 bool CPdf::unpackObjectStream(CPdfObj& stream) {
     const std::string_view text = stream.content();
     const auto count = entryInt(text, "/N");
     const auto first = entryInt(text, "/First");
     const std::string_view lengthText = entryValue(text, "/Length");
     auto length = Cursor(lengthText).takeInt();
-    if (const auto reference = isReference2(lengthText)) {
-        const CPdfObj* const holder = objects_->find(reference->number);
-        const std::string_view held = holder == nullptr ? std::string_view{} : holder->content();
-        const std::size_t keyword = held.find("obj");
-        length = keyword == std::string_view::npos ? std::nullopt : Cursor(held, keyword + 3).takeInt();
-    }
+    if (const auto reference = isReference2(lengthText)) length = referencedNumber(reference->number);
     const auto data = streamData(text, m_logger);
     if (!count || !first || !length || !data || *count < 0 || *first < 0 || *length < 0) {
         logDebug(m_logger, "### RetrieveObjects ABBRUCH (Problem beim Einlesen des Contents)");

@@ -65,6 +65,8 @@ std::string_view arrayText(std::string_view value, const CPdfObj* referenced) {
     return text.substr(std::min(text.find('['), text.size()));
 }
 
+bool isPage(CPdfObj& obj) { return obj.typeEntry() == "/Page"; }
+
 }  // namespace
 
 std::string_view CPdf::kidsOf(CPdfObj& node) {
@@ -77,7 +79,8 @@ std::string_view CPdf::kidsOf(CPdfObj& node) {
 
 // Depth first, left to right, without recursion. A node met before ends its branch: it would only repeat pages, or
 // never end.
-void CPdf::walkPages(std::string_view references, const CPdfObj* root, std::vector<CPdfObj*>& pages) {
+void CPdf::walkTree(std::string_view references, const CPdfObj* root, bool (*isLeaf)(CPdfObj&),
+                    std::vector<CPdfObj*>& leaves) {
     std::vector<Cursor> levels{Cursor(references)};
     std::unordered_set<const CPdfObj*> nodes{root};
     while (!levels.empty()) {
@@ -91,8 +94,8 @@ void CPdf::walkPages(std::string_view references, const CPdfObj* root, std::vect
         if (findLaterEntry(obj->content(), "/Kids")) {
             const bool deeper = levels.size() < static_cast<std::size_t>(limits::kNesting);
             if (deeper && nodes.insert(obj).second) levels.emplace_back(kidsOf(*obj));
-        } else if (obj->typeEntry() == "/Page") {
-            pages.push_back(obj);
+        } else if (isLeaf(*obj)) {
+            leaves.push_back(obj);
         }
     }
 }
@@ -100,7 +103,7 @@ void CPdf::walkPages(std::string_view references, const CPdfObj* root, std::vect
 CPdfObj* CPdf::GetPageObjectFromArray(char* refList, int* counter, int pageIndex) {
     if (refList == nullptr || counter == nullptr || *refList == '\0') return nullptr;
     std::vector<CPdfObj*> pages;
-    walkPages(refList, nullptr, pages);
+    walkTree(refList, nullptr, isPage, pages);
     for (CPdfObj* const page : pages) {
         if (*counter == pageIndex) return page;
         ++*counter;
@@ -115,7 +118,7 @@ PageTree& CPdf::pageTree(CPdfObj& root) {
     if (pages_->root != &root || pages_->revision != objects_->revision()) {
         pages_->objects.clear();
         pages_->nodes.clear();
-        walkPages(kidsOf(root), &root, pages_->objects);
+        walkTree(kidsOf(root), &root, isPage, pages_->objects);
         pages_->root = &root;
         pages_->revision = objects_->revision();
     }

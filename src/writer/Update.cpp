@@ -1,0 +1,139 @@
+// The text of an appended update.
+#include "writer/Update.h"
+
+#include <algorithm>
+
+#include <zlib.h>
+
+#include "support/Text.h"
+#include "syntax/Cursor.h"
+
+namespace varnpdf {
+namespace {
+
+int bytesFor(unsigned value) {
+    int bytes = 0;
+    for (; value > 0; value >>= 8U) ++bytes;
+    return bytes;
+}
+
+void appendField(std::string& out, unsigned value, int width) {
+    for (int shift = (width - 1) * 8; shift >= 0; shift -= 8) {
+        out.push_back(static_cast<char>(shift >= 32 ? 0 : (value >> static_cast<unsigned>(shift)) & 0xffU));
+    }
+}
+
+template <typename Visit>
+void forEachEntry(const CPdfXRefContainer& xrefs, Visit&& visit) {
+    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
+        const CPdfXRef& run = xrefs.GetXRef()[i];
+        for (int k = 0; k < run.GetRefNum(); ++k) visit(run.GetRefEntry()[k]);
+    }
+}
+
+}  // namespace
+
+std::string crossReferenceTable(const CPdfXRefContainer& xrefs) {
+    std::string out;
+    append(out, "xref\r\n");
+    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
+        const CPdfXRef& run = xrefs.GetXRef()[i];
+        append(out, run.GetRefStart(), ' ', run.GetRefNum(), " \r\n");
+        for (int k = 0; k < run.GetRefNum(); ++k) {
+            const CPdfXRefEntry& entry = run.GetRefEntry()[k];
+            append(out, Digits{entry.GetOffset(), 10}, ' ', Digits{entry.GetGenNumber(), 5}, ' ',
+                   entry.GetIsFree() == 1 ? 'f' : 'n', "\r\n");
+        }
+    }
+    return out;
+}
+
+std::string trailerText(const CPdfTrailer& trailer, std::size_t section) {
+    std::string out;
+    append(out, "trailer\r\n", "<<\r\n");
+    append(out, "/Size ", trailer.GetSize(), "\r\n");
+    if (!trailer.encrypt().empty()) append(out, "/Encrypt ", trailer.encrypt(), "\r\n");
+    if (!trailer.id().empty()) append(out, "/ID ", trailer.id(), "\r\n");
+    if (!trailer.info().empty()) append(out, "/Info ", trailer.info(), "\r\n");
+    append(out, "/Root ", trailer.root(), "\r\n");
+    append(out, "/Prev ", trailer.GetPrev(), "\r\n");
+    append(out, ">>\r\n", "startxref\r\n", section, "\r\n", "%%EOF\r\n");
+    return out;
+}
+
+StreamFields fieldsFor(const CPdfXRefContainer& xrefs, std::string_view oldWidths) {
+    StreamFields fields{1, 1, 1};
+    Cursor cursor(oldWidths);
+    cursor.take('[');
+    constexpr int kWidest = 8;
+    for (int* const width : {&fields.type, &fields.second, &fields.third}) {
+        if (const auto number = cursor.takeInt()) *width = std::clamp(*number, 0, kWidest);
+    }
+    fields.type = std::max(fields.type, 1);
+    forEachEntry(xrefs, [&](const CPdfXRefEntry& entry) {
+        fields.second = std::max(fields.second, bytesFor(static_cast<unsigned>(entry.GetOffset())));
+        fields.third = std::max(fields.third, bytesFor(static_cast<unsigned>(entry.GetGenNumber())));
+    });
+    return fields;
+}
+
+std::optional<std::string> crossReferenceStream(const CPdfXRefContainer& xrefs, const CPdfTrailer& trailer, int number,
+                                                const StreamFields& fields, std::size_t section) {
+    std::string rows;
+    forEachEntry(xrefs, [&](const CPdfXRefEntry& entry) {
+        appendField(rows, entry.GetIsFree() == 1 ? 0 : 1, fields.type);
+        appendField(rows, static_cast<unsigned>(entry.GetOffset()), fields.second);
+        appendField(rows, static_cast<unsigned>(entry.GetGenNumber()), fields.third);
+    });
+    const auto data = deflated(rows);
+    if (!data) return std::nullopt;
+    std::string index;
+    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
+        const CPdfXRef& run = xrefs.GetXRef()[i];
+        append(index, i == 0 ? "" : " ", run.GetRefStart(), ' ', run.GetRefNum());
+    }
+    std::string out;
+    append(out, number, " 0 obj\r\n", "<< \r\n", "/Type /XRef \r\n");
+    append(out, "/Size ", trailer.GetSize(), " \r\n");
+    if (!trailer.info().empty()) append(out, "/Info ", trailer.info(), "\r\n");
+    append(out, "/Root ", trailer.root(), " \r\n");
+    append(out, "/ID ", trailer.id().empty() ? "[]" : trailer.id(), "\r\n");
+    append(out, "/Index[", index, "] \r\n", "/Filter /FlateDecode \r\n");
+    append(out, "/W [", fields.type, ' ', fields.second, ' ', fields.third, "]\r\n");
+    append(out, "/Length ", data->size(), "\r\n", "/Prev ", trailer.GetPrev(), "\r\n", ">>\r\n");
+    append(out, "stream\r\n", *data, "\r\nendstream\r\nendobj\r\n");
+    append(out, "startxref\r\n", section, "\r\n", "%%EOF\r\n");
+    return out;
+}
+
+std::optional<std::string> deflated(std::string_view bytes) {
+    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
+    std::string out(size, '\0');
+    const int result = compress(reinterpret_cast<Bytef*>(out.data()), &size,
+                                reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()));
+    if (result != Z_OK) return std::nullopt;
+    out.resize(size);
+    return out;
+}
+
+std::string objectText(int number, int generation, std::string_view content) {
+    Cursor header(content);
+    header.skip(kIsCSpace);
+    content = header.rest();
+    header = Cursor(content);
+    const auto oldNumber = header.takeInt();
+    const auto oldGeneration = header.takeInt();
+    header.skip(kIsCSpace);
+    const bool hasHeader = oldNumber && oldGeneration && header.rest().starts_with("obj");
+    std::string out;
+    out.reserve(content.size() + 32);
+    if (!hasHeader || (oldNumber == number && oldGeneration == generation)) {
+        append(out, content);
+    } else {
+        append(out, number, ' ', generation, ' ', header.rest());
+    }
+    if (out.empty() || !isEol(out.back())) append(out, "\r\n");
+    return out;
+}
+
+}  // namespace varnpdf

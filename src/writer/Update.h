@@ -1,0 +1,42 @@
+// The text of an appended update (ISO 32000-2 7.5.6): cross-reference table, cross-reference stream, trailer.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "varnpdf/PdfTrailer.h"
+#include "varnpdf/PdfXRef.h"
+
+namespace varnpdf {
+
+/// "xref" with the subsections in the container's order; entry lines have 20 bytes.
+std::string crossReferenceTable(const CPdfXRefContainer& xrefs);
+
+/// The trailer of an update from its dictionary to the end of the file.
+std::string trailerText(const CPdfTrailer& trailer, std::size_t section);
+
+/// Field widths of a cross-reference stream.
+struct StreamFields {
+    int type = 1;
+    int second = 2;
+    int third = 1;
+};
+
+/// The widths of an older section, widened where the entries do not fit; field 1 has at least one byte.
+StreamFields fieldsFor(const CPdfXRefContainer& xrefs, std::string_view oldWidths);
+
+/// A cross-reference stream that lists the container's entries and closes the file. The container must list the
+/// stream itself. Nothing when the data cannot be compressed.
+std::optional<std::string> crossReferenceStream(const CPdfXRefContainer& xrefs, const CPdfTrailer& trailer, int number,
+                                                const StreamFields& fields, std::size_t section);
+
+/// zlib data of the bytes; nothing when zlib fails.
+std::optional<std::string> deflated(std::string_view bytes);
+
+/// An object's text with the header that its entry promises, ended by a line end. Text read from a file may stop at
+/// "endobj" or carry another number in its header.
+std::string objectText(int number, int generation, std::string_view content);
+
+}  // namespace varnpdf
