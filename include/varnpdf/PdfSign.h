@@ -1,0 +1,112 @@
+// CPdfSign: preparing a document for a signature and inserting the value made elsewhere.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "varnpdf/ClassLogger.h"
+#include "varnpdf/export.h"
+
+class CPdf;
+
+namespace varnpdf {
+struct SigningRequest;
+}
+
+/// One line of text of a visible signature.
+struct FormfieldInfo_tag {
+    int family;       ///< 0 Helvetica, 1 Times, 2 Courier; any other value is Helvetica
+    int style;        ///< 0 regular, 1 bold, 2 italic, 3 bold italic
+    int size;         ///< font size in points; 0 or less takes the largest that fits
+    char label[257];  ///< put in front with ": " when not empty; must not contain '%'
+    char value[257];  ///< WinAnsiEncoding
+};
+
+/// The two steps of a signature: `SignPDFFile` prepares the document in memory, the host has a value made over the
+/// prepared bytes, `SaveSignature` writes the signed file. One thread at a time; different objects are independent.
+class VARNPDF_EXPORT CPdfSign {
+public:
+    CPdfSign();
+    CPdfSign(const CPdfSign&) = delete;
+    CPdfSign& operator=(const CPdfSign&) = delete;
+    virtual ~CPdfSign();
+
+    /// true (the default): /SubFilter /ETSI.CAdES.detached (ETSI EN 319 142-1); false: /adbe.pkcs7.detached.
+    void setUserETSISubFilter(bool etsi) { etsiSubFilter_ = etsi; }
+    [[nodiscard]] bool isUserETSISubFilter() const { return etsiSubFilter_; }
+
+    /// Prepares the file for signing by an appended update that is kept in memory; nothing is written to disk.
+    /// @param pdfFile       path, at most 256 characters
+    /// @param page          page index from 0; outside the pages: the last one
+    /// @param posMode       how x and y are measured: 0 percent of the page, 1 points from the lower left, 2 upper left,
+    ///                      3 lower right, 4 upper right corner
+    /// @param x,y,width,height  place and size in points; a width or height of 0 or less: invisible
+    /// @param appearanceOption1 0
+    /// @param reason,location   texts of at most 256 characters as they stand between the parentheses of a string
+    /// @param name          UTF-8, escaped and written in ISO 8859-1
+    /// @param signDate      PDF date (ISO 32000-2 7.9.4)
+    /// @param contentsSize  bytes reserved for the value
+    /// @param reservedFlag  ignored
+    /// @param appearanceOption2 not 0: additional layers /n1 and /n3
+    /// @param useImage,imageFile  not 0: background image, a PNG
+    /// @param fields,fieldCount   lines of text of the appearance
+    /// @param lock          greater than 0: the signature locks the document's fields
+    /// @param skipImageCheck the image is not examined for transparency
+    /// @return 0, an open code, or -1001, -1004, -1005, -1006, -1007, -1009, -1021, -1022, -1024, -1030, -1033, -1034,
+    ///         -1041, -1042, -1050, -1082, -1083 (see result_codes.inc)
+    int SignPDFFile(char* pdfFile, int page, int posMode, int x, int y, int width, int height, int appearanceOption1,
+                    char* reason, char* location, char* name, char* signDate, unsigned int contentsSize,
+                    bool reservedFlag, int appearanceOption2, int useImage, char* imageFile, FormfieldInfo_tag* fields,
+                    int fieldCount, int lock, bool skipImageCheck);
+    /// Loads the bytes and calls `SignPDF`; prepares nothing in this release. Returns 0.
+    int SignPDFStream(unsigned char* pdfData, unsigned int pdfLen, int page, int posMode, int x, int y, int width,
+                      int height, int appearanceOption1, char* reason, char* location, char* name, char* signDate,
+                      unsigned int contentsSize, bool reservedFlag, int appearanceOption2, int useImage,
+                      char* imageFile, FormfieldInfo_tag* fields, int fieldCount, int lock);
+    /// Does nothing in this release. Returns 0.
+    int SignPDF(CPdf* pdf, int page, int posMode, int x, int y, int width, int height, int appearanceOption1,
+                char* reason, char* location, char* name, char* signDate, unsigned int contentsSize, bool reservedFlag,
+                int appearanceOption2, int useImage, char* imageFile, FormfieldInfo_tag* fields, int fieldCount,
+                int lock);
+    /// The preparation of an opened document; parameters and results as `SignPDFFile`.
+    int DummySign(CPdf* pdf, int page, int posMode, int x, int y, int width, int height, int appearanceOption1,
+                  char* reason, char* location, char* name, char* signDate, unsigned int contentsSize,
+                  bool reservedFlag, int appearanceOption2, int useImage, char* imageFile, FormfieldInfo_tag* fields,
+                  int fieldCount, int lock, bool skipImageCheck);
+
+    /// Writes the signed file: the prepared bytes with the value, as hexadecimal text padded with "31", in its room.
+    /// `contentsSize` must be the one given to the preparation. A value longer than that is not reported: "<>" and
+    /// zero bytes stand in its place.
+    /// @return 0, or -1023: a null argument, or the file cannot be created or written (nothing is left then)
+    int SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize);
+    /// The hexadecimal string of a value: `*outLen` is 2 * contentsSize + 2; `*out` (one byte longer, terminated) is
+    /// freed by the caller with delete[]. Either may be null.
+    static void buildSignContent(char** out, std::uint32_t* outLen, unsigned char* sig, std::uint32_t sigLen,
+                                 std::uint32_t contentsSize);
+
+    /// Looks for the frame that some office suites draw for an empty form field; the last one wins. Rectangle in points
+    /// rounded down, page index from 0; untouched when there is none.
+    /// @return 0, -1004 (no /Size, /Root or /Pages), -1021 (encrypted)
+    int TryFindOOField(CPdf* pdf, int* x, int* y, int* width, int* height, int* page);
+
+    /// The prepared document with the room of the value, delimiters included, cut out: exactly the bytes to sign.
+    /// Owned by this object, valid until the next preparation; null before the first.
+    [[nodiscard]] const unsigned char* GetPreparedDocument() const { return prepared_.get(); }
+    /// Number of those bytes.
+    [[nodiscard]] std::uint32_t GetPreparedLength() const { return preparedLength_; }
+    /// Offset at which the value's hexadecimal string goes in; the second number of /ByteRange.
+    [[nodiscard]] std::uint32_t GetContentsOffset() const { return contentsOffset_; }
+
+private:
+    struct FreeBytes {
+        void operator()(unsigned char* bytes) const noexcept;
+    };
+    int prepare(CPdf& pdf, const varnpdf::SigningRequest& request, bool takeContent);
+
+    bool etsiSubFilter_ = true;
+    std::unique_ptr<unsigned char[], FreeBytes> prepared_;
+    std::uint32_t preparedLength_ = 0;
+    std::uint32_t contentsOffset_ = 0;
+
+    static varnpdf::ClassLogger m_logger;
+};

@@ -1,0 +1,157 @@
+// CPdfSign: the two steps of a signature.
+#include "varnpdf/PdfSign.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "signing/Preparation.h"
+#include "support/Log.h"
+#include "support/OutputFile.h"
+#include "varnpdf/result.h"
+
+using namespace varnpdf;
+
+constinit ClassLogger CPdfSign::m_logger{"VarnPDF.CPdfSign"};
+
+namespace {
+
+constexpr std::size_t kFileName = 256;
+
+std::string_view viewOf(const unsigned char* bytes, std::size_t length) {
+    return {reinterpret_cast<const char*>(bytes), length};
+}
+
+}  // namespace
+
+void CPdfSign::FreeBytes::operator()(unsigned char* bytes) const noexcept { std::free(bytes); }
+
+CPdfSign::CPdfSign() = default;
+CPdfSign::~CPdfSign() = default;
+
+int CPdfSign::SignPDFFile(char* pdfFile, int page, int posMode, int x, int y, int width, int height,
+                          int appearanceOption1, char* reason, char* location, char* name, char* signDate,
+                          unsigned int contentsSize, bool /*reservedFlag*/, int appearanceOption2, int useImage,
+                          char* imageFile, FormfieldInfo_tag* fields, int fieldCount, int lock, bool skipImageCheck) {
+    if (pdfFile == nullptr) return VARNPDF_CAN_NOT_LOAD_PDF_FILE;
+    if (std::strlen(pdfFile) > kFileName) return VARNPDF_FILE_NAME_TOO_LONG;
+    try {
+        CPdf pdf;
+        pdf.setUserETSISubFilter(etsiSubFilter_);
+        if (const int code = pdf.Open(pdfFile, "rb"); code != VARNPDF_OK) return code;
+        if (pdf.get_lockstate() > 0) return VARNPDF_LOCKED;
+        const SigningRequest request{
+            page,      posMode, {x, y},     {width, height}, appearanceOption1,      reason,
+            location,  name,    signDate,   contentsSize,    appearanceOption2 != 0, useImage != 0,
+            imageFile, fields,  fieldCount, lock > 0,        skipImageCheck};
+        return prepare(pdf, request, true);
+    } catch (...) {
+        return VARNPDF_CAN_NOT_LOAD_PDF_FILE;
+    }
+}
+
+int CPdfSign::SignPDFStream(unsigned char* pdfData, unsigned int pdfLen, int page, int posMode, int x, int y, int width,
+                            int height, int appearanceOption1, char* reason, char* location, char* name, char* signDate,
+                            unsigned int contentsSize, bool reservedFlag, int appearanceOption2, int useImage,
+                            char* imageFile, FormfieldInfo_tag* fields, int fieldCount, int lock) {
+    CPdf pdf;
+    pdf.ParseContent(pdfData, pdfLen, true);
+    pdf.setUserETSISubFilter(etsiSubFilter_);
+    return SignPDF(&pdf, page, posMode, x, y, width, height, appearanceOption1, reason, location, name, signDate,
+                   contentsSize, reservedFlag, appearanceOption2, useImage, imageFile, fields, fieldCount, lock);
+}
+
+int CPdfSign::SignPDF(CPdf* /*pdf*/, int /*page*/, int /*posMode*/, int /*x*/, int /*y*/, int /*width*/, int /*height*/,
+                      int /*appearanceOption1*/, char* /*reason*/, char* /*location*/, char* /*name*/,
+                      char* /*signDate*/, unsigned int /*contentsSize*/, bool /*reservedFlag*/,
+                      int /*appearanceOption2*/, int /*useImage*/, char* /*imageFile*/, FormfieldInfo_tag* /*fields*/,
+                      int /*fieldCount*/, int /*lock*/) {
+    return VARNPDF_OK;
+}
+
+int CPdfSign::DummySign(CPdf* pdf, int page, int posMode, int x, int y, int width, int height, int appearanceOption1,
+                        char* reason, char* location, char* name, char* signDate, unsigned int contentsSize,
+                        bool /*reservedFlag*/, int appearanceOption2, int useImage, char* imageFile,
+                        FormfieldInfo_tag* fields, int fieldCount, int lock, bool skipImageCheck) {
+    if (pdf == nullptr) return VARNPDF_CAN_NOT_LOAD_PDF_FILE;
+    const SigningRequest request{page,      posMode, {x, y},     {width, height}, appearanceOption1,      reason,
+                                 location,  name,    signDate,   contentsSize,    appearanceOption2 != 0, useImage != 0,
+                                 imageFile, fields,  fieldCount, lock > 0,        skipImageCheck};
+    return prepare(*pdf, request, false);
+}
+
+// The prepared bytes are the old ones and the update without the room of the value. A document that is given up may
+// hand over its buffer: growing it does not copy a large file.
+int CPdfSign::prepare(CPdf& pdf, const SigningRequest& request, bool takeContent) {
+    Preparation preparation(pdf, request, m_logger);
+    if (const int code = preparation.run(); code != VARNPDF_OK) return code;
+    const std::size_t old = preparation.oldLength();
+    const std::string_view tail = preparation.tail();
+    const std::size_t begin = preparation.roomBegin() - old;
+    const std::size_t end = preparation.roomEnd() - old;
+    const std::size_t length = old + tail.size() - (end - begin);
+    unsigned char* bytes = nullptr;
+    if (takeContent) {
+        bytes = static_cast<unsigned char*>(std::realloc(pdf.content_.get(), length));
+        if (bytes != nullptr) static_cast<void>(pdf.content_.release());
+    } else {
+        bytes = static_cast<unsigned char*>(std::malloc(length));
+        if (bytes != nullptr) std::memcpy(bytes, pdf.content_.get(), old);
+    }
+    if (bytes == nullptr) throw std::bad_alloc();
+    std::memcpy(bytes + old, tail.data(), begin);
+    std::memcpy(bytes + old + begin, tail.data() + end, tail.size() - end);
+    logDebug(m_logger, "szContent mit gemerkter Länge setzen");
+    prepared_.reset(bytes);
+    preparedLength_ = static_cast<std::uint32_t>(length);
+    contentsOffset_ = static_cast<std::uint32_t>(preparation.roomBegin());
+    return VARNPDF_OK;
+}
+
+void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char* sig, std::uint32_t sigLen,
+                                std::uint32_t contentsSize) {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    logDebug(m_logger, "entering CPdfSign::buildSignContent");
+    const std::size_t length = std::size_t{2} * contentsSize + 2;
+    if (outLen != nullptr) *outLen = static_cast<std::uint32_t>(length);
+    if (out == nullptr) return;
+    auto content = std::make_unique<char[]>(length + 1);
+    char* at = content.get();
+    *at++ = '<';
+    if (sig != nullptr && contentsSize >= sigLen) {
+        for (std::uint32_t i = 0; i < sigLen; ++i) {
+            *at++ = kDigits[sig[i] >> 4U];
+            *at++ = kDigits[sig[i] & 15U];
+        }
+        for (std::uint32_t i = sigLen; i < contentsSize; ++i) {
+            *at++ = '3';
+            *at++ = '1';
+        }
+    }
+    *at = '>';
+    *out = content.release();
+    logDebug(m_logger, "leaving CPdfSign::buildSignContent");
+}
+
+int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize) {
+    logDebug(m_logger, "entering CPdfSign::SaveSignature");
+    if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
+    char* value = nullptr;
+    std::uint32_t length = 0;
+    try {
+        buildSignContent(&value, &length, sig, sigLen, contentsSize);
+    } catch (const std::bad_alloc&) {
+        return VARNPDF_SAVE_FAILED;
+    }
+    const std::unique_ptr<char[]> content(value);
+    OutputFile file(pcSignedFile);
+    if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
+    logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
+    file.write(viewOf(prepared_.get(), contentsOffset_));
+    file.write({content.get(), length});
+    file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));
+    const int code = file.close() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
+    logDebug(m_logger, "leaving CPdfSign::SaveSignature: ", code);
+    return code;
+}
