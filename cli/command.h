@@ -27,6 +27,10 @@ struct Command {
 Command addInfo(CLI::App& program);
 Command addExtract(CLI::App& program);
 Command addShow(CLI::App& program);
+Command addSign(CLI::App& program);
+Command addPrepare(CLI::App& program);
+Command addEmbed(CLI::App& program);
+Command addVerify(CLI::App& program);
 
 /// "varnpdf: WHAT: SENTENCE" on standard error. `what` may be any bytes.
 void complain(const std::string& what, const std::string& sentence);

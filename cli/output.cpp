@@ -21,12 +21,16 @@ int outputError = 0;
 
 std::string reason(int error) { return std::strerror(error); }
 
-bool writeAll(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t done = ::write(file, bytes.data(), bytes.size());
-        if (done < 0 && errno == EINTR) continue;
-        if (done < 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(done));
+using Pieces = std::span<const std::string_view>;
+
+bool writeAll(int file, Pieces pieces) {
+    for (std::string_view bytes : pieces) {
+        while (!bytes.empty()) {
+            const ssize_t done = ::write(file, bytes.data(), bytes.size());
+            if (done < 0 && errno == EINTR) continue;
+            if (done < 0) return false;
+            bytes.remove_prefix(static_cast<std::size_t>(done));
+        }
     }
     return true;
 }
@@ -47,11 +51,11 @@ mode_t modeFor(const struct stat* existing) {
     return 0666 & ~mask;
 }
 
-bool replaceFile(const std::string& path, std::string_view bytes, mode_t mode) {
+bool replaceFile(const std::string& path, Pieces pieces, mode_t mode) {
     std::string temporary = path + ".XXXXXX";
     const int file = ::mkstemp(temporary.data());
     if (file < 0) return false;
-    bool good = writeAll(file, bytes) && ::fchmod(file, mode) == 0 && ::fsync(file) == 0;
+    bool good = writeAll(file, pieces) && ::fchmod(file, mode) == 0 && ::fsync(file) == 0;
     good = closeAfter(good, file);
     if (good && std::rename(temporary.c_str(), path.c_str()) == 0) return true;
     const int error = errno;
@@ -60,9 +64,9 @@ bool replaceFile(const std::string& path, std::string_view bytes, mode_t mode) {
     return false;
 }
 
-bool writeDirectly(const std::string& path, std::string_view bytes) {
+bool writeDirectly(const std::string& path, Pieces pieces) {
     const int file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    return file >= 0 && closeAfter(writeAll(file, bytes), file);
+    return file >= 0 && closeAfter(writeAll(file, pieces), file);
 }
 
 /// The name behind symbolic links: renaming would otherwise replace the link.
@@ -86,16 +90,18 @@ int cli::finishOutput(int code) {
 
 bool cli::outputIsTerminal() { return ::isatty(STDOUT_FILENO) == 1; }
 
-bool cli::writeFile(const std::string& path, std::string_view bytes) {
+bool cli::writeFile(const std::string& path, std::string_view bytes) { return writeFile(path, std::span(&bytes, 1)); }
+
+bool cli::writeFile(const std::string& path, Pieces pieces) {
     struct stat status {};
     const bool exists = ::stat(path.c_str(), &status) == 0;
     bool good = false;
     if (exists && S_ISDIR(status.st_mode)) {
         errno = EISDIR;
     } else if (exists && !S_ISREG(status.st_mode)) {
-        good = writeDirectly(path, bytes);
+        good = writeDirectly(path, pieces);
     } else {
-        good = replaceFile(linkTarget(path), bytes, modeFor(exists ? &status : nullptr));
+        good = replaceFile(linkTarget(path), pieces, modeFor(exists ? &status : nullptr));
     }
     if (!good) complain(path, reason(errno));
     return good;

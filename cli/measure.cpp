@@ -1,0 +1,135 @@
+// Places and sizes of visible signatures.
+#include "measure.h"
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <string_view>
+
+#include "command.h"
+#include "text.h"
+
+namespace {
+
+constexpr double kLargest = 14400;  // points; no page is larger (ISO 32000-1 annex C)
+
+constexpr std::array<std::string_view, 4> kCorners = {"lower-left", "upper-left", "lower-right", "upper-right"};
+
+struct Unit {
+    std::string_view name;
+    double points;
+};
+constexpr Unit kUnits[] = {{"", 1}, {"pt", 1}, {"mm", 72 / 25.4}, {"cm", 72 / 2.54}, {"in", 72}};
+
+/// A length in points or a share of the page.
+struct Length {
+    double amount = 0;
+    bool percent = false;
+};
+
+std::optional<Length> lengthOf(std::string_view text) {
+    text = cli::trimmed(text);
+    double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+    if (error != std::errc() || !(number >= 0)) return std::nullopt;
+    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
+    if (unit == "%") {
+        if (number > 100) return std::nullopt;
+        return Length{number, true};
+    }
+    for (const Unit& known : kUnits) {
+        if (known.name == unit && number * known.points <= kLargest) return Length{number * known.points, false};
+    }
+    return std::nullopt;
+}
+
+std::optional<std::array<Length, 2>> pairOf(std::string_view text) {
+    const std::size_t comma = text.find(',');
+    if (comma == std::string_view::npos) return std::nullopt;
+    const std::optional<Length> first = lengthOf(text.substr(0, comma));
+    const std::optional<Length> second = lengthOf(text.substr(comma + 1));
+    if (!first || !second) return std::nullopt;
+    return std::array<Length, 2>{*first, *second};
+}
+
+int rounded(const Length& length) { return static_cast<int>(std::lround(length.amount)); }
+
+bool wrong(const char* option, const std::string& sentence) {
+    cli::complain(option, sentence);
+    return false;
+}
+
+bool takePage(const std::string& text, cli::Placement& placement) {
+    if (text == "last") {
+        placement.page = -1;
+        return true;
+    }
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || number < 1) {
+        return wrong("--page", "this is neither a number from 1 on nor \"last\": " + text);
+    }
+    placement.page = number - 1;
+    return true;
+}
+
+bool takeSize(const std::string& text, cli::Placement& placement) {
+    if (text.empty()) return true;
+    const std::optional<std::array<Length, 2>> pair = pairOf(text);
+    if (!pair || (*pair)[0].percent || (*pair)[1].percent || rounded((*pair)[0]) < 1 || rounded((*pair)[1]) < 1) {
+        return wrong("--size", "this is no width and height such as 200,60 or 70mm,20mm: " + text);
+    }
+    placement.width = rounded((*pair)[0]);
+    placement.height = rounded((*pair)[1]);
+    return true;
+}
+
+/// Distances are meant from the corner of the page to the nearest corner of the signature; the library measures to its
+/// lower left corner.
+bool takePosition(const std::string& text, const std::string& corner, cli::Placement& placement) {
+    const std::optional<std::array<Length, 2>> pair = pairOf(text);
+    if (!pair || (*pair)[0].percent != (*pair)[1].percent) {
+        return wrong("--position", "this is no place such as 30,40 or 10mm,20mm or 5%,10%: " + text);
+    }
+    placement.x = rounded((*pair)[0]);
+    placement.y = rounded((*pair)[1]);
+    const bool right = corner.ends_with("right");
+    const bool upper = corner.starts_with("upper");
+    if ((*pair)[0].percent) {
+        placement.mode = 0;
+        if (right || upper) return wrong("--position", "percentages are measured from the lower left corner only");
+        const bool whole = placement.x == (*pair)[0].amount && placement.y == (*pair)[1].amount;
+        return whole || wrong("--position", "percentages must be whole numbers: " + text);
+    }
+    placement.mode = 1 + (upper ? 1 : 0) + (right ? 2 : 0);
+    if (right) placement.x += placement.width;
+    if (upper) placement.y += placement.height;
+    return true;
+}
+
+}  // namespace
+
+void cli::addPlacementOptions(CLI::App& parser, PlacementOptions& options) {
+    parser.add_option("--page", options.page, "Page that carries the signature: from 1, or \"last\"")->option_text("N");
+    CLI::Option* size = parser.add_option("--size", options.size, "Makes the signature visible: width and height");
+    size->option_text("W,H");
+    parser.add_option("--position", options.position, "Distance from the corner of the page; without it 36,36")
+        ->needs(size)
+        ->option_text("X,Y");
+    parser
+        .add_option("--corner", options.corner,
+                    "The corner: lower-left (without it), lower-right, upper-left, "
+                    "upper-right")
+        ->needs(size)
+        ->check(CLI::IsMember(std::vector<std::string>(kCorners.begin(), kCorners.end())))
+        ->option_text("CORNER");
+}
+
+std::optional<cli::Placement> cli::placementOf(const PlacementOptions& options) {
+    Placement placement;
+    const std::string position = options.position.empty() ? "36,36" : options.position;
+    if (!takePage(options.page, placement) || !takeSize(options.size, placement)) return std::nullopt;
+    if (placement.visible() && !takePosition(position, options.corner, placement)) return std::nullopt;
+    return placement;
+}

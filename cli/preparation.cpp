@@ -1,0 +1,193 @@
+// Options of a preparation and how they become one.
+#include "preparation.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "command.h"
+#include "dates.h"
+#include "document.h"
+#include "encode.h"
+
+namespace {
+
+constexpr std::size_t kLongestText = 256;  // bytes as written
+
+// The position in these lists is the library's number.
+const std::vector<std::string> kFonts = {"helvetica", "times", "courier"};
+const std::vector<std::string> kStyles = {"regular", "bold", "italic", "bold-italic"};
+
+int numberOf(const std::vector<std::string>& names, const std::string& name) {
+    return static_cast<int>(std::find(names.begin(), names.end(), name) - names.begin());
+}
+
+bool fits(const std::string& what, std::size_t length) {
+    if (length <= kLongestText) return true;
+    cli::complain(what, "this text is too long: it takes " + std::to_string(length) + " bytes, and there is room for " +
+                            std::to_string(kLongestText));
+    return false;
+}
+
+/// A text of the signature dictionary as it is written.
+bool takeTextString(const char* what, const std::string& utf8, std::string& out) {
+    std::optional<std::string> text = cli::toTextString(what, utf8);
+    if (!text || !fits(what, text->size())) return false;
+    out = std::move(*text);
+    return true;
+}
+
+bool isPng(const std::string& path) {
+    constexpr std::string_view kSignature("\x89PNG\r\n\x1A\n", 8);
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        cli::complain(path, std::strerror(errno));
+        return false;
+    }
+    std::string start(kSignature.size(), '\0');
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    if (start == kSignature) return true;
+    cli::complain(path, "this is no PNG image");
+    return false;
+}
+
+void addVisible(CLI::App& parser, cli::PreparationOptions& options) {
+    cli::addPlacementOptions(parser, options.placement);
+    CLI::Option* size = parser.get_option("--size");
+    parser.add_option("--image", options.image, "Background (PNG, also with transparency)")
+        ->needs(size)
+        ->option_text("PNG");
+    parser.add_option("--text", options.texts, "A line of text, may be repeated; without a label: =VALUE")
+        ->allow_extra_args(false)
+        ->needs(size)
+        ->option_text("LABEL=VALUE");
+    parser.add_option("--font", options.font, "helvetica (without it), times, courier")
+        ->check(CLI::IsMember(kFonts))
+        ->option_text("FONT");
+    parser.add_option("--style", options.style, "regular (without it), bold, italic, bold-italic")
+        ->check(CLI::IsMember(kStyles))
+        ->option_text("STYLE");
+    parser.add_option("--font-size", options.fontSize, "Points; without it the largest size that fits")
+        ->check(CLI::Range(1, 1000))
+        ->option_text("N");
+}
+
+}  // namespace
+
+void cli::addPreparationOptions(CLI::App& parser, PreparationOptions& options) {
+    parser.add_option("IN", options.file, "PDF file")->required()->option_text(" ");
+    parser.add_option("--subfilter", options.subFilter, "cades (PAdES baseline, without it) or pkcs7")
+        ->check(CLI::IsMember({"cades", "pkcs7"}))
+        ->option_text("KIND");
+    addVisible(parser, options);
+    parser.add_option("--reason", options.reason, "Why it is signed")->option_text("TEXT");
+    parser.add_option("--location", options.location, "Where it is signed")->option_text("TEXT");
+    parser.add_option("--name", options.name, "Who signs; without it what the certificate says")->option_text("TEXT");
+    parser.add_option("--date", options.date, "Signing time, ISO 8601 or PDF date; without it now")
+        ->option_text("DATE");
+    parser.add_flag("--lock", options.lock, "The signature locks the fields of the document");
+}
+
+std::optional<cli::Preparation> cli::Preparation::from(const PreparationOptions& options) {
+    const std::optional<Placement> placement = placementOf(options.placement);
+    const std::optional<std::string> date = pdfDate(options.date);
+    if (!placement || !date) return std::nullopt;
+    Preparation out;
+    out.file_ = options.file;
+    out.cades_ = options.subFilter == "cades";
+    out.placement_ = *placement;
+    out.image_ = options.image;
+    out.font_ = numberOf(kFonts, options.font);
+    out.style_ = numberOf(kStyles, options.style);
+    out.fontSize_ = options.fontSize;
+    out.date_ = *date;
+    out.lock_ = options.lock;
+    if (!out.takeTexts(options) || (!out.image_.empty() && !isPng(out.image_))) return std::nullopt;
+    return out;
+}
+
+bool cli::Preparation::takeTexts(const PreparationOptions& options) {
+    if (!takeTextString("--reason", options.reason, reason_)) return false;
+    if (!takeTextString("--location", options.location, location_)) return false;
+    const std::optional<std::string> name = toName("--name", options.name);
+    if (!name || !fits("--name", name->size())) return false;
+    name_ = *name;
+    shownName_ = options.name;
+    shownReason_ = options.reason;
+    defaultLines_ = placement_.visible() && options.texts.empty() && image_.empty();
+    return std::all_of(options.texts.begin(), options.texts.end(), [this](const std::string& text) {
+        const std::size_t sign = text.find('=');
+        if (sign != std::string::npos) return addLine(text.substr(0, sign), text.substr(sign + 1));
+        complain("--text", "there is no \"=\" between label and value: " + text);
+        return false;
+    });
+}
+
+bool cli::Preparation::addLine(const std::string& label, const std::string& value) {
+    const std::optional<std::string> shownLabel = toWinAnsi("--text", label);
+    const std::optional<std::string> shownValue = toWinAnsi("--text", value);
+    if (!shownLabel || !shownValue) return false;
+    if (!fits("--text", shownLabel->size()) || !fits("--text", shownValue->size())) return false;
+    if (label.find('%') != std::string::npos) {
+        complain("--text", "a label must not contain \"%\": " + label);
+        return false;
+    }
+    if ((label + value).find_first_of("()") != std::string::npos) {
+        complain("--text", "warning: parentheses are shown as blanks: " + label + "=" + value);
+    }
+    FormfieldInfo_tag line{};
+    line.family = font_;
+    line.style = style_;
+    line.size = fontSize_;
+    shownLabel->copy(line.label, kLongestText);
+    shownValue->copy(line.value, kLongestText);
+    lines_.push_back(line);
+    return true;
+}
+
+void cli::Preparation::nameSigner(const std::string& name) {
+    if (!name_.empty() || !isName(name) || name.size() > kLongestText) return;
+    name_ = toName("--name", name).value_or("");
+    shownName_ = name;
+}
+
+/// An empty box would tell nobody that the document is signed.
+bool cli::Preparation::addDefaultLines() {
+    defaultLines_ = false;
+    const std::string& d = date_;  // D:20261115023351+01'00'
+    const std::string day = d.substr(2, 4) + "-" + d.substr(6, 2) + "-" + d.substr(8, 2);
+    const std::string time = d.substr(10, 2) + ":" + d.substr(12, 2) + ":" + d.substr(14, 2);
+    const std::string zone = d.substr(16, 3) + ":" + d.substr(20, 2);
+    return (shownName_.empty() || addLine("Signed by", shownName_)) && addLine("Date", day + " " + time + " " + zone) &&
+           (shownReason_.empty() || addLine("Reason", shownReason_));
+}
+
+/// The library takes the last page for one that is not there.
+bool cli::Preparation::pageIsThere() const {
+    if (placement_.page <= 0) return true;
+    CPdf pdf;
+    if (openDocument(pdf, file_) != 0) return false;
+    CPdfObj* catalogue = referenced(pdf, pdf.GetLastTrailer()->root());
+    CPdfObj* root = catalogue != nullptr ? referenced(pdf, *catalogue, "/Pages") : nullptr;
+    if (root != nullptr && pdf.GetPdfPageObject(root, placement_.page, nullptr, nullptr) != nullptr) return true;
+    complain(file_, "there is no page " + std::to_string(placement_.page + 1));
+    return false;
+}
+
+bool cli::Preparation::run(CPdfSign& sign, unsigned int room) {
+    if (!pageIsThere() || (defaultLines_ && !addDefaultLines())) return false;
+    sign.setUserETSISubFilter(cades_);
+    const int code = sign.SignPDFFile(file_.data(), placement_.page, placement_.mode, placement_.x, placement_.y,
+                                      placement_.width, placement_.height, 0, reason_.data(), location_.data(),
+                                      name_.data(), date_.data(), room, false, 0, image_.empty() ? 0 : 1, image_.data(),
+                                      lines_.data(), static_cast<int>(lines_.size()), lock_ ? 1 : 0, false);
+    if (code != 0) complain(file_, code);
+    return code == 0;
+}
+
+std::string_view cli::preparedBytes(const CPdfSign& sign) {
+    return {reinterpret_cast<const char*>(sign.GetPreparedDocument()), sign.GetPreparedLength()};
+}
