@@ -64,8 +64,10 @@ bool takeZone(Reader& reader, Moment& moment) {
     moment.local = false;
     if (reader.take('Z')) {
         // Some producers write Z00'00'.
-        return reader.done() || (reader.number(2) == 0 && reader.take('\'') && reader.number(2) == 0 &&
-                                 (reader.take('\'') || true) && reader.done());
+        if (reader.done()) return true;
+        if (reader.number(2) != 0 || !reader.take('\'') || reader.number(2) != 0) return false;
+        reader.take('\'');
+        return reader.done();
     }
     const bool west = reader.take('-');
     if (!west && !reader.take('+')) return false;

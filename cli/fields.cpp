@@ -72,8 +72,9 @@ void cli::SignatureSearch::pushKids(const Node& node, const std::string& name, b
                                     std::vector<Node>& stack) {
     const std::optional<std::string_view> kids = lookUp(*pdf_, *node.field.object, "Kids");
     if (!kids) return;
-    const std::vector<Dictionary> all = elements(*kids);
-    for (auto kid = all.rbegin(); kid != all.rend(); ++kid) stack.push_back({*kid, name, signature, node.depth + 1});
+    std::vector<Dictionary> all = elements(*kids);
+    std::reverse(all.begin(), all.end());
+    for (const Dictionary& kid : all) stack.push_back({kid, name, signature, node.depth + 1});
 }
 
 /// The dictionaries in an array, direct or by reference.
@@ -107,7 +108,7 @@ cli::Dictionary cli::SignatureSearch::wrap(std::string_view text) {
 
 std::optional<std::size_t> cli::SignatureSearch::fileOffset(std::string_view text) const {
     const char* all = reinterpret_cast<const char*>(pdf_->GetContent());
-    const std::less_equal<const char*> notBehind;
+    const std::less_equal<> notBehind;
     if (!notBehind(all, text.data()) || !notBehind(text.data() + text.size(), all + pdf_->GetContentLen())) {
         return std::nullopt;  // unpacked from an object stream
     }
@@ -142,7 +143,7 @@ std::string cli::SignatureSearch::fullName(const CPdfObj& field, const std::stri
 
 std::optional<std::size_t> cli::offsetOf(const Dictionary& dictionary, std::string_view inside) {
     const char* begin = dictionary.object->content().data();
-    const std::less_equal<const char*> notBehind;
+    const std::less_equal<> notBehind;
     if (!dictionary.begin || !notBehind(begin, inside.data()) ||
         !notBehind(inside.data() + inside.size(), begin + dictionary.object->content().size())) {
         return std::nullopt;

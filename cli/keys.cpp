@@ -223,7 +223,7 @@ std::string cli::subjectName(const X509* certificate) {
 
 std::string cli::opensslReason() {
     const char* reason = ERR_reason_error_string(ERR_peek_last_error());
-    const std::string out = reason != nullptr ? reason : "unknown error";
+    std::string out = reason != nullptr ? reason : "unknown error";
     ERR_clear_error();
     return out;
 }

@@ -25,7 +25,7 @@ std::pair<int, CPdfObj*> ObjectTable::lowerBound(int slot) const noexcept {
     auto it = outliers_.lower_bound(slot);
     if (it != outliers_.end() && it->first < 0) return {it->first, it->second.get()};
     const int begin = std::max(slot, 0);
-    for (std::size_t i = static_cast<std::size_t>(begin); i < dense_.size(); ++i) {
+    for (auto i = static_cast<std::size_t>(begin); i < dense_.size(); ++i) {
         if (dense_[i]) return {static_cast<int>(i), dense_[i].get()};
     }
     if (it == outliers_.end()) return {0, nullptr};

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "support/Text.h"
 #include "writer/Update.h"
@@ -41,7 +42,7 @@ struct Hundredths {
 };
 
 void appendPart(std::string& out, Hundredths number) {
-    const auto scaled = static_cast<long long>(number.value * 100 + 0.5);
+    const long scaled = std::lround(number.value * 100);
     append(out, scaled / 100, '.', Digits{scaled % 100, 2});
 }
 

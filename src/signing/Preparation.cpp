@@ -152,6 +152,9 @@ void Preparation::reserve() {
     const bool image = request_.useImage && request_.imageFile != nullptr;
     next += request_.visible() ? 6 + (request_.layers ? 1 : 0) + (image ? 1 : 0) + (image && transparent_ ? 1 : 0) : 3;
     if (metadata_) numbers_.metadata = next++;
+    // Hosts count on the documented budget, which names both additional layers.
+    constexpr int kVisibleBudget = 7;
+    if (request_.visible()) next = std::max(next, numbers_.widget + kVisibleBudget);
     for (int number = numbers_.annots; number < next; ++number) {
         if (pdf_.get_pdf_obj_from_map(number) != nullptr) continue;
         pdf_.set_pdf_obj_to_map(number, new CPdfObj(number, 0, -1, -1));

@@ -80,7 +80,6 @@ std::string png(Png kind) {
     return bytes;
 }
 
-
 /// An unfinished page whose box holds the signature, whatever its rotation.
 std::string document(int rotation) {
     return PdfBuilder()
@@ -111,22 +110,27 @@ TEST(Appearance, FormPaintsTheLayers) {
     } rows[] = {
         {0, 0, false, form("100 40", "/n0 14 0 R /n2 15 0 R", upright + "/n0 Do Q\r\n" + upright + "/n2 Do Q\r\n")},
         {90, 0, false, form("40 100", "/n0 14 0 R /n2 15 0 R", quarter + "/n0 Do Q\r\n" + quarter + "/n2 Do Q\r\n")},
-        {180, 0, false, form("100 40", "/n0 14 0 R /n2 15 0 R",
-                             "q 1 0 0 1 100 40 cm\r\n-1 0 0 -1 0 0 cm /n0 Do Q\r\n"
-                             "q 1 0 0 1 100 40 cm\r\n-1 0 0 -1 0 0 cm /n2 Do Q\r\n")},
-        {270, 0, false, form("40 100", "/n0 14 0 R /n2 15 0 R",
-                             "q 1 0 0 1 0 100 cm\r\n0 -1 1 0 0 0 cm /n0 Do Q\r\n"
-                             "q 1 0 0 1 0 100 cm\r\n0 -1 1 0 0 0 cm /n2 Do Q\r\n")},
-        {0, 1, false, form("100 40", "/n0 14 0 R /n1 15 0 R /n2 16 0 R /n3 14 0 R",
-                           upright + "/n0 Do Q\r\nq 0.40 0 0 0.40 0 0 cm\r\n1 0 0 1 0 0 cm /n1 Do Q\r\n" + upright +
-                               "/n2 Do Q\r\nq 0.40 0 0 0.40 0 0 cm\r\n1 0 0 1 0 0 cm /n3 Do Q\r\n")},
-        {0, 0, true, form("100 40", "/KorvImg 16 0 R /n0 14 0 R /n2 15 0 R",
-                          "q 100 0 0 40 0 0 cm\r\n1 0 0 1 0 0 cm /KorvImg Do Q \r\n" + upright + "/n0 Do Q\r\n" +
-                              upright + "/n2 Do Q\r\n")},
-        {90, 1, true, form("40 100", "/KorvImg 17 0 R /n0 14 0 R /n1 15 0 R /n2 16 0 R /n3 14 0 R",
-                           "q 40 0 0 100 40 0 cm\r\n0 1 -1 0 0 0 cm /KorvImg Do Q \r\n" + quarter +
-                               "/n0 Do Q\r\nq 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n1 Do Q\r\n" + quarter +
-                               "/n2 Do Q\r\nq 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n3 Do Q\r\n")},
+        {180, 0, false,
+         form("100 40", "/n0 14 0 R /n2 15 0 R",
+              "q 1 0 0 1 100 40 cm\r\n-1 0 0 -1 0 0 cm /n0 Do Q\r\n"
+              "q 1 0 0 1 100 40 cm\r\n-1 0 0 -1 0 0 cm /n2 Do Q\r\n")},
+        {270, 0, false,
+         form("40 100", "/n0 14 0 R /n2 15 0 R",
+              "q 1 0 0 1 0 100 cm\r\n0 -1 1 0 0 0 cm /n0 Do Q\r\n"
+              "q 1 0 0 1 0 100 cm\r\n0 -1 1 0 0 0 cm /n2 Do Q\r\n")},
+        {0, 1, false,
+         form("100 40", "/n0 14 0 R /n1 15 0 R /n2 16 0 R /n3 14 0 R",
+              upright + "/n0 Do Q\r\nq 0.40 0 0 0.40 0 0 cm\r\n1 0 0 1 0 0 cm /n1 Do Q\r\n" + upright +
+                  "/n2 Do Q\r\nq 0.40 0 0 0.40 0 0 cm\r\n1 0 0 1 0 0 cm /n3 Do Q\r\n")},
+        {0, 0, true,
+         form("100 40", "/KorvImg 16 0 R /n0 14 0 R /n2 15 0 R",
+              "q 100 0 0 40 0 0 cm\r\n1 0 0 1 0 0 cm /KorvImg Do Q \r\n" + upright + "/n0 Do Q\r\n" + upright +
+                  "/n2 Do Q\r\n")},
+        {90, 1, true,
+         form("40 100", "/KorvImg 17 0 R /n0 14 0 R /n1 15 0 R /n2 16 0 R /n3 14 0 R",
+              "q 40 0 0 100 40 0 cm\r\n0 1 -1 0 0 0 cm /KorvImg Do Q \r\n" + quarter +
+                  "/n0 Do Q\r\nq 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n1 Do Q\r\n" + quarter +
+                  "/n2 Do Q\r\nq 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n3 Do Q\r\n")},
     };
     for (const auto& row : rows) {
         Request request = kVisible;
@@ -150,11 +154,14 @@ TEST(Appearance, OtherForms) {
     OpenedPdf quarter(signedFile(document(270), kVisible));
     EXPECT_EQ(quarter.body(13), replaced(replaced(normal, "q 1 0 0 1 0 0 cm", "q 2.500000 0 0 0.400000 0 0 cm"),
                                          "/Length 26", "/Length 40"));
-    EXPECT_EQ(upright.body(14),
-              "<<\r\n/Filter /FlateDecode\r\n/Length 18\r\n/Subtype /Form\r\n/BBox [ 0 0 100 40 ]\r\n/Resources << "
-              "/ProcSet [ /PDF /Text /ImageB /ImageC /ImageI ] >>\r\n/Type /XObject\r\n/FormType 1\r\n/Matrix [ 1 0 0 1 "
-              "0 0 ]\r\n>>\r\nstream\r\n" + deflated("% DSBlank.") + "\r\nendstream");
-    EXPECT_NE(upright.body(15).find("/BBox [ 0 0 100 100]\r\n/Resources << /ProcSet [ /PDF ] >>\r\n"), std::string::npos);
+    EXPECT_EQ(
+        upright.body(14),
+        "<<\r\n/Filter /FlateDecode\r\n/Length 18\r\n/Subtype /Form\r\n/BBox [ 0 0 100 40 ]\r\n/Resources << "
+        "/ProcSet [ /PDF /Text /ImageB /ImageC /ImageI ] >>\r\n/Type /XObject\r\n/FormType 1\r\n/Matrix [ 1 0 0 1 "
+        "0 0 ]\r\n>>\r\nstream\r\n" +
+            deflated("% DSBlank.") + "\r\nendstream");
+    EXPECT_NE(upright.body(15).find("/BBox [ 0 0 100 100]\r\n/Resources << /ProcSet [ /PDF ] >>\r\n"),
+              std::string::npos);
     const std::string text = deflated(layer(100, 40, kVisible.fields));
     const std::string n2 = upright.body(16);
     EXPECT_TRUE(n2.starts_with("<< \r\n /Type /XObject \r\n /Subtype /Form \r\n /BBox [ 0 0 100 40 ] \r\n /Length " +

@@ -10,7 +10,8 @@ namespace {
 using namespace varnpdf::test;
 
 /// "x0 y0 x1 y1", or "" where the signature does not fit.
-std::string placed(int rotation, int mode, int x, int y, int width, int height, std::vector<int> box = {0, 0, 600, 800}) {
+std::string placed(int rotation, int mode, int x, int y, int width, int height,
+                   std::vector<int> box = {0, 0, 600, 800}) {
     int size[] = {width, height};
     int position[] = {x, y};
     int rect[4] = {};
@@ -22,36 +23,34 @@ std::string placed(int rotation, int mode, int x, int y, int width, int height, 
 
 TEST(Placement, Table) {
     const struct {
-        int rotation, mode, x, y, width, height;
-        const char* rect;
+        int mode, x, y;
+        const char* rects[4];  // on pages turned by 0, 90, 180 and 270 degrees
     } rows[] = {
-        // every way of measuring on every rotation
-        {0, 0, 50, 25, 100, 40, "300 200 400 240"},   {0, 1, 10, 20, 100, 40, "10 20 110 60"},
-        {0, 2, 10, 50, 100, 40, "10 750 110 790"},    {0, 3, 110, 20, 100, 40, "490 20 590 60"},
-        {0, 4, 110, 50, 100, 40, "490 750 590 790"},  {90, 0, 50, 25, 100, 40, "410 400 450 500"},
-        {90, 1, 10, 20, 100, 40, "540 10 580 110"},   {90, 2, 10, 50, 100, 40, "10 10 50 110"},
-        {90, 3, 110, 20, 100, 40, "540 690 580 790"}, {90, 4, 110, 50, 100, 40, "10 690 50 790"},
-        {180, 0, 50, 25, 100, 40, "300 600 200 560"}, {180, 1, 10, 20, 100, 40, "590 780 490 740"},
-        {180, 2, 10, 50, 100, 40, "590 50 490 10"},   {180, 3, 110, 20, 100, 40, "110 780 10 740"},
-        {180, 4, 110, 50, 100, 40, "110 50 10 10"},   {270, 0, 50, 25, 100, 40, "150 300 190 400"},
-        {270, 1, 10, 20, 100, 40, "20 690 60 790"},   {270, 2, 10, 50, 100, 40, "550 690 590 790"},
-        {270, 3, 110, 20, 100, 40, "20 10 60 110"},   {270, 4, 110, 50, 100, 40, "550 10 590 110"},
-        {450, 1, 10, 20, 100, 40, "540 10 580 110"},
-        // edges touched, and one point beyond
-        {0, 1, 0, 0, 600, 800, "0 0 600 800"},        {0, 1, 0, 0, 601, 800, ""},
-        {0, 1, 0, 0, 600, 801, ""},                   {0, 1, 500, 760, 100, 40, "500 760 600 800"},
-        {0, 1, 501, 760, 100, 40, ""},                {0, 1, 500, 761, 100, 40, ""},
-        {0, 1, -1, 0, 100, 40, ""},                   {0, 1, 0, -1, 100, 40, ""},
-        {90, 1, 0, 0, 800, 600, "0 0 600 800"},       {90, 1, 0, 0, 601, 100, "500 0 600 601"},
-        {90, 1, 0, 0, 801, 600, ""},                  {90, 1, 0, 0, 800, 601, ""},
-        {270, 1, 0, 0, 800, 600, "0 0 600 800"},      {270, 1, 1, 0, 800, 600, ""},
-        {180, 1, 0, 0, 600, 800, "600 800 0 0"},      {180, 1, 0, 1, 600, 800, ""},
-        {45, 1, 0, 0, 100, 40, "0 0 100 40"},         {-90, 1, 0, 0, 100, 40, ""},
-        {0, 1, 2147483647, 0, 100, 40, ""},           {0, 0, 2147483647, 2147483647, 100, 40, ""},
+        {0, 50, 25, {"300 200 400 240", "410 400 450 500", "300 600 200 560", "150 300 190 400"}},
+        {1, 10, 20, {"10 20 110 60", "540 10 580 110", "590 780 490 740", "20 690 60 790"}},
+        {2, 10, 50, {"10 750 110 790", "10 10 50 110", "590 50 490 10", "550 690 590 790"}},
+        {3, 110, 20, {"490 20 590 60", "540 690 580 790", "110 780 10 740", "20 10 60 110"}},
+        {4, 110, 50, {"490 750 590 790", "10 690 50 790", "110 50 10 10", "550 10 590 110"}},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(placed(row.rotation, row.mode, row.x, row.y, row.width, row.height), row.rect)
-            << row.rotation << " mode " << row.mode << " at " << row.x << ' ' << row.y << " size " << row.width;
+    for (const auto& [mode, x, y, rects] : rows) {
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(placed(90 * i, mode, x, y, 100, 40), rects[i % 4]) << mode << ' ' << 90 * i;
+    }
+    const struct {
+        int rotation, x, y, width, height;
+        bool fits;
+    } edges[] = {
+        {0, 0, 0, 600, 800, true},    {0, 0, 0, 601, 800, false},    {0, 0, 0, 600, 801, false},
+        {0, 500, 760, 100, 40, true}, {0, 501, 760, 100, 40, false}, {0, 500, 761, 100, 40, false},
+        {0, -1, 0, 100, 40, false},   {0, 0, -1, 100, 40, false},    {0, 2147483647, 0, 100, 40, false},
+        {90, 0, 0, 800, 600, true},   {90, 0, 0, 601, 100, true},    {90, 0, 0, 801, 600, false},
+        {90, 0, 0, 800, 601, false},  {180, 0, 0, 600, 800, true},   {180, 0, 1, 600, 800, false},
+        {270, 0, 0, 800, 600, true},  {270, 1, 0, 800, 600, false},  {45, 0, 0, 100, 40, true},
+        {-90, 0, 0, 100, 40, false},
+    };
+    for (const auto& [rotation, x, y, width, height, fits] : edges) {
+        EXPECT_EQ(!placed(rotation, 1, x, y, width, height).empty(), fits)
+            << rotation << " at " << x << ' ' << y << " size " << width << ' ' << height;
     }
     EXPECT_EQ(placed(0, 0, 50, 50, 100, 40, {0, 0, 595, 842}), "297 421 397 461");
     EXPECT_EQ(placed(0, 4, 100, 40, 100, 40, {50, 60, 650, 860}), "500 760 600 800");
@@ -62,23 +61,19 @@ TEST(CheckThis, Table) {
         const char* text;
         int max, code;
     } rows[] = {
-        {nullptr, 0, 0},  {"", 0, 0},        {"abc", 3, 0},       {"abcd", 3, -1005}, {"a(b)c", 9, 0},
-        {"(", 9, -1006},  {")", 9, -1006},   {")(", 9, -1006},    {"\\)", 9, 0},      {"a\\", 9, -1006},
-        {"a\\\\", 9, 0},  {"\\\\)", 9, -1006}, {"((\\))", 9, -1006}, {"((\\)))", 9, 0}, {"a", -1, -1005},
+        {nullptr, 0, 0}, {"", 0, 0},          {"abc", 3, 0},        {"abcd", 3, -1005}, {"a(b)c", 9, 0},
+        {"(", 9, -1006}, {")", 9, -1006},     {")(", 9, -1006},     {"\\)", 9, 0},      {"a\\", 9, -1006},
+        {"a\\\\", 9, 0}, {"\\\\)", 9, -1006}, {"((\\))", 9, -1006}, {"((\\)))", 9, 0},  {"a", -1, -1005},
     };
     for (const auto& [text, max, code] : rows) EXPECT_EQ(CPdfHelper::CheckThis(text, max), code) << (text ? text : "0");
 }
 
-TEST(LockInfo, Defaults) {
+TEST(LockInfo, OnlyOneLocks) {
     CPdfLockInfo lock;
-    EXPECT_FALSE(lock.get_use_locking());
-    EXPECT_EQ(lock.get_transformmethod(), eFieldMDP);
-    EXPECT_EQ(lock.get_actionvalue(), eAll);
-    EXPECT_EQ(lock.get_pvalue(), eNoChanges);
-    lock.set_use_locking(2);
-    EXPECT_FALSE(lock.get_use_locking());
-    lock.set_use_locking(1);
-    EXPECT_TRUE(lock.get_use_locking());
+    for (const int use : {0, 1, 2}) {
+        lock.set_use_locking(use);
+        EXPECT_EQ(lock.get_use_locking(), use == 1);
+    }
 }
 
 TEST(Lookup, FormFieldsAndPositions) {

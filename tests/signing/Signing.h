@@ -1,7 +1,7 @@
 // Preparing and saving a signature with dummy values.
 #pragma once
 
-#include <cstring>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,8 +40,8 @@ inline FormfieldInfo_tag line(std::string_view label, std::string_view value, in
 inline int prepareFile(CPdfSign& sign, std::string path, Request r) {
     return sign.SignPDFFile(path.data(), r.page, r.posMode, r.x, r.y, r.width, r.height, 0, r.reason.data(),
                             r.location.data(), r.name.data(), r.date.data(), r.room, false, r.layers,
-                            r.image.empty() ? 0 : 1, r.image.data(), r.fields.data(),
-                            static_cast<int>(r.fields.size()), r.lock, r.skipImageCheck);
+                            r.image.empty() ? 0 : 1, r.image.data(), r.fields.data(), static_cast<int>(r.fields.size()),
+                            r.lock, r.skipImageCheck);
 }
 
 inline int prepare(CPdfSign& sign, std::string_view document, const Request& request) {
@@ -70,9 +70,12 @@ inline std::string signedFile(std::string_view document, const Request& request 
 /// Object numbers of the cross-reference table that closes the file, in its order: "3 24 25 ".
 inline std::string listedNumbers(std::string_view file) {
     std::string numbers;
-    std::size_t at = file.rfind("xref\r\n", file.rfind("startxref") - 1) + 6;
-    for (; file[at] >= '0' && file[at] <= '9'; at = file.find('\n', file.find('\n', at) + 1) + 1) {
-        numbers.append(file.substr(at, file.find(' ', at) + 1 - at));
+    std::istringstream table{std::string(file.substr(file.rfind("xref\r\n", file.rfind("startxref") - 1) + 6))};
+    for (int start = 0, count = 0; table >> start >> count;) {
+        std::string entry;
+        for (std::getline(table, entry); count > 0 && std::getline(table, entry); --count) {
+            numbers += std::to_string(start++) + ' ';
+        }
     }
     return numbers;
 }

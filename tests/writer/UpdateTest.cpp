@@ -83,7 +83,8 @@ TEST(Update, ObjectsAreRecordedAtTheirOffsets) {
             obj.setContent(text);
             old.pdf.WriteTextAnnotation(nullptr, &runs, &obj);
         }
-        EXPECT_EQ(streamOf(old.pdf), (full ? before : "") + "20 0 obj\r\n(a\0b)\r\nendobj\r\n21 0 obj\r\n5\r\nendobj\n"s);
+        EXPECT_EQ(streamOf(old.pdf),
+                  (full ? before : "") + "20 0 obj\r\n(a\0b)\r\nendobj\r\n21 0 obj\r\n5\r\nendobj\n"s);
         using varnpdf::Digits;
         const auto first = static_cast<long long>(full ? before.size() : 0);
         EXPECT_EQ(varnpdf::crossReferenceTable(runs),
@@ -113,9 +114,9 @@ TEST(Update, StreamFieldsAreWidenedOnly) {
         Runs::Entry entry;
         int type, second, third;
     } rows[] = {
-        {"[1 2 1]", {255}, 1, 2, 1},       {"[1 2 1]", {65536}, 1, 3, 1},    {"[1 4 2]", {16}, 1, 4, 2},
-        {"[0 2 0]", {16}, 1, 2, 0},        {"[1 2 0]", {16, 1}, 1, 2, 1},    {"[ 2 1 1 ]", {16, 256}, 2, 1, 2},
-        {"[1 1 1]", {2147483647}, 1, 4, 1}, {"[1 99 -3]", {16}, 1, 8, 0},    {"", {16}, 1, 1, 1},
+        {"[1 2 1]", {255}, 1, 2, 1},        {"[1 2 1]", {65536}, 1, 3, 1}, {"[1 4 2]", {16}, 1, 4, 2},
+        {"[0 2 0]", {16}, 1, 2, 0},         {"[1 2 0]", {16, 1}, 1, 2, 1}, {"[ 2 1 1 ]", {16, 256}, 2, 1, 2},
+        {"[1 1 1]", {2147483647}, 1, 4, 1}, {"[1 99 -3]", {16}, 1, 8, 0},  {"", {16}, 1, 1, 1},
     };
     for (const auto& row : rows) {
         Runs runs;
@@ -132,16 +133,17 @@ TEST(Update, CrossReferenceStream) {
     const Trailer bare(11, 77);
     const std::string rows("\1\0\0\1\2\1\0\0\0\0\0\2\1\1\2\3\4\0", 18);
     const auto stream = varnpdf::crossReferenceStream(runs, bare, 10, {1, 4, 1}, 16909060);
-    EXPECT_EQ(stream, "10 0 obj\r\n<< \r\n/Type /XRef \r\n/Size 11 \r\n/Root 1 0 R \r\n/ID []\r\n/Index[5 1 9 2] \r\n"
-                      "/Filter /FlateDecode \r\n/W [1 4 1]\r\n/Length " + std::to_string(deflated(rows).size()) +
-                      "\r\n/Prev 77\r\n>>\r\nstream\r\n" + deflated(rows) +
-                      "\r\nendstream\r\nendobj\r\nstartxref\r\n16909060\r\n%%EOF\r\n");
+    EXPECT_EQ(stream,
+              "10 0 obj\r\n<< \r\n/Type /XRef \r\n/Size 11 \r\n/Root 1 0 R \r\n/ID []\r\n/Index[5 1 9 2] \r\n"
+              "/Filter /FlateDecode \r\n/W [1 4 1]\r\n/Length " +
+                  std::to_string(deflated(rows).size()) + "\r\n/Prev 77\r\n>>\r\nstream\r\n" + deflated(rows) +
+                  "\r\nendstream\r\nendobj\r\nstartxref\r\n16909060\r\n%%EOF\r\n");
     const Trailer full(11, 77, "3 0 R", "[<0A><0B>]");
     const auto more = varnpdf::crossReferenceStream(runs, full, 10, {1, 4, 1}, 0);
     EXPECT_NE(more->find("/Size 11 \r\n/Info 3 0 R\r\n/Root 1 0 R \r\n/ID [<0A><0B>]\r\n"), std::string::npos);
     // A field wider than the number is filled with zeros.
-    EXPECT_NE(varnpdf::crossReferenceStream(runs, bare, 10, {1, 8, 1}, 0)->find(
-                  deflated("\1\0\0\0\0\0\0\1\2\1\0\0\0\0\0\0\0\0\0\2\1\0\0\0\0\1\2\3\4\0"sv)),
+    EXPECT_NE(varnpdf::crossReferenceStream(runs, bare, 10, {1, 8, 1}, 0)
+                  ->find(deflated("\1\0\0\0\0\0\0\1\2\1\0\0\0\0\0\0\0\0\0\2\1\0\0\0\0\1\2\3\4\0"sv)),
               std::string::npos);
 }
 
