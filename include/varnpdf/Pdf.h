@@ -26,6 +26,7 @@ struct Appearance;
 struct ByteRange;
 struct FieldWidths;
 struct IndexPair;
+struct LockAnswers;
 struct ObjectList;
 struct PageNode;
 struct PageTree;
@@ -163,7 +164,8 @@ public:
     // --- pages -----------------------------------------------------------------------------------------------------
 
     /// The page with the 0-based index in document order, its box (four int, lower left corner first, fractions
-    /// dropped) and rotation (degrees, 0 to 359), both inherited (ISO 32000-2 7.7.3.4). Null when there is no such
+    /// dropped) and rotation (degrees as written, a negative value plus 360), both inherited (ISO 32000-2 7.7.3.4). Null
+    /// when there is no such
     /// page. `mediaBox` and `rotate` may be null. Owned by the document.
     CPdfObj* GetPdfPageObject(CPdfObj* pagesRoot, int pageIndex, int* mediaBox, int* rotate);
     /// Depth-first search of one level of the page tree, given as reference list without brackets. `*counter` counts
@@ -357,7 +359,6 @@ private:
                     const std::vector<varnpdf::IndexPair>& pairs);
     CPdfTrailer* readSection(int offset, const varnpdf::SectionTexts& texts);
     void readSectionChain();
-    void raiseSize(int size);
     bool loadPlainObjects();
     bool loadObjectStreams();
     bool unpackObjectStream(CPdfObj& stream);
@@ -388,8 +389,8 @@ private:
     bool isSignatureField(CPdfObj& obj);
     int readSignatureValue(int index, int tag, std::string& value);
     int readByteRange(int index, varnpdf::ByteRange& range);
-    bool lockedBySignature(std::string_view signature);
-    bool lockedByTransform(std::string_view dictionary);
+    bool lockedBySignature(std::string_view signature, varnpdf::LockAnswers& answers);
+    bool lockedByTransform(std::string_view dictionary, varnpdf::LockAnswers& answers);
     void ownContent();
     void insertContent(std::size_t at, std::string_view text);
     void appendContent(std::string_view text);

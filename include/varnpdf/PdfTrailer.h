@@ -63,10 +63,10 @@ public:
     int UpdateId(bool renew);
 
     /// Read access to the texts without widening their buffers.
-    [[nodiscard]] std::string_view encrypt() const { return encrypt_.c_str(); }
-    [[nodiscard]] std::string_view info() const { return info_.c_str(); }
-    [[nodiscard]] std::string_view root() const { return root_.c_str(); }
-    [[nodiscard]] std::string_view id() const { return id_.c_str(); }
+    [[nodiscard]] std::string_view encrypt() const { return stored(encrypt_, kEncryptRoom); }
+    [[nodiscard]] std::string_view info() const { return stored(info_, kInfoRoom); }
+    [[nodiscard]] std::string_view root() const { return stored(root_, kRootRoom); }
+    [[nodiscard]] std::string_view id() const { return stored(id_, kIdRoom); }
     /// Set a text; false, and nothing changes, when it does not fit its room.
     bool setEncrypt(std::string_view text) { return store(encrypt_, text, kEncryptRoom); }
     bool setInfo(std::string_view text) { return store(info_, text, kInfoRoom); }
@@ -76,6 +76,10 @@ public:
 private:
     static bool store(std::string& target, std::string_view text, int room);
     static char* buffer(std::string& text, int room);
+    // A buffer that was handed out ends at its terminator; a text that was read may hold NULs.
+    static std::string_view stored(const std::string& text, int room) {
+        return text.size() == static_cast<std::size_t>(room) ? std::string_view(text.c_str()) : std::string_view(text);
+    }
 
     int xref_ = 0;
     int size_ = 0;

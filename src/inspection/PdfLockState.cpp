@@ -1,5 +1,7 @@
 // CPdf: does a signature forbid every further change (ISO 32000-2 12.8.2)?
 #include <limits>
+#include <map>
+#include <unordered_map>
 
 #include "model/DictionaryEntry.h"
 #include "model/ObjectTable.h"
@@ -22,7 +24,38 @@ TransformMethod transformMethod(std::string_view value) {
     return contains(value, "/DocMDP") ? TransformMethod::DocMdp : TransformMethod::None;
 }
 
+bool parametersLock(CPdfObj& parameters, TransformMethod method, const ClassLogger& logger) {
+    const char* const type = parameters.get_dictionary_type();
+    if (type == nullptr || !contains(type, "/TransformParams")) return false;
+    logDebug(logger, "check_lockstate - ist vom korrekten Typ");
+    const std::string_view text = parameters.content();
+    switch (method) {
+        case TransformMethod::DocMdp:
+            logDebug(logger, "check_lockstate - weil DocMDP, wird P gecheckt");
+            if (!contains(entryValue(text, "/P"), "1")) return false;
+            logDebug(logger, "check_lockstate - P=1, also alles gelockt");
+            return true;
+        case TransformMethod::FieldMdp:
+            logDebug(logger, "check_lockstate - weil FieldsMDP, wird Action gecheckt");
+            if (!findLaterEntry(text, "/Action")) return false;
+            logDebug(logger, "check_lockstate - /Action gefunden");
+            if (!contains(entryValue(text, "/Action"), "/All")) return false;
+            logDebug(logger, "check_lockstate - /All gefunden, also alles gelockt");
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
+
+// Fields may share a signature dictionary, transform parameters or a lock; each is read once.
+struct varnpdf::LockAnswers {
+    using Answers = std::unordered_map<const CPdfObj*, bool>;
+    Answers dictionaries;
+    std::map<TransformMethod, Answers> parameters;
+    Answers locks;
+};
 
 void CPdf::check_lockstate() {
     logDebug(m_logger, "check_lockstate::START");
@@ -31,34 +64,40 @@ void CPdf::check_lockstate() {
         logDebug(m_logger, "check_lockstate::END mit State 0 da keine Signatur vorhanden");
         return;
     }
-    objects_->forEach(std::numeric_limits<int>::max(), [this](int, const CPdfObj& obj) {
+    LockAnswers answers;
+    objects_->forEach(std::numeric_limits<int>::max(), [&](int, const CPdfObj& obj) {
         const std::string_view text = obj.content();
         if (!contains(entryValue(text, "/FT"), "/Sig")) return;
         const auto signature = findLaterEntry(text, "/V");
         if (!signature) return;
         logDebug(m_logger, "check_lockstate - /V ebenfalls gefunden");
-        if (lockedBySignature(signature->value.of(text))) lockState_ = 1;
+        if (lockedBySignature(signature->value.of(text), answers)) lockState_ = 1;
         const auto lock = lockState_ == 0 ? isReference2(entryValue(text, "/Lock")) : std::nullopt;
         const CPdfObj* const locking = lock ? objects_->find(lock->number) : nullptr;
-        if (locking != nullptr && contains(entryValue(locking->content(), "/Action"), "/All")) lockState_ = 1;
+        if (locking == nullptr) return;
+        const auto [known, isNew] = answers.locks.try_emplace(locking, false);
+        if (isNew) known->second = contains(entryValue(locking->content(), "/Action"), "/All");
+        if (known->second) lockState_ = 1;
     });
     logDebug(m_logger, "check_lockstate::END mit State ", lockState_);
 }
 
-bool CPdf::lockedBySignature(std::string_view signature) {
+bool CPdf::lockedBySignature(std::string_view signature, LockAnswers& answers) {
     const auto reference = isReference2(signature);
     if (!reference) {
         logError(m_logger, "check_lockstate - /V ist keine Reference");
         return false;
     }
     const CPdfObj* const dictionary = objects_->find(reference->number);
+    const auto [known, isNew] = answers.dictionaries.try_emplace(dictionary, false);
+    if (!isNew) return known->second;
     // A dictionary scan takes names for keys, so the key "/Sig" is the value of /Type.
     if (dictionary == nullptr || !findLaterEntry(dictionary->content(), "/Sig")) return false;
     logDebug(m_logger, "check_lockstate - object /Type /Sig gefunden");
-    return lockedByTransform(dictionary->content());
+    return known->second = lockedByTransform(dictionary->content(), answers);
 }
 
-bool CPdf::lockedByTransform(std::string_view dictionary) {
+bool CPdf::lockedByTransform(std::string_view dictionary, LockAnswers& answers) {
     const auto method = findEntry(dictionary, "/TransformMethod", {.nested = true});
     if (!method) {
         logDebug(m_logger, "check_lockstate - /TransformMethod nicht gefunden");
@@ -77,24 +116,8 @@ bool CPdf::lockedByTransform(std::string_view dictionary) {
     logDebug(m_logger, "check_lockstate - /TransformParams gefunden");
     logDebug(m_logger, "check_lockstate - ist Reference");
     CPdfObj* const referenced = objects_->find(reference->number);
-    const char* const type = referenced == nullptr ? nullptr : referenced->get_dictionary_type();
-    if (type == nullptr || !contains(type, "/TransformParams")) return false;
-    logDebug(m_logger, "check_lockstate - ist vom korrekten Typ");
-    const std::string_view text = referenced->content();
-    switch (transformMethod(method->value.of(dictionary))) {
-        case TransformMethod::DocMdp:
-            logDebug(m_logger, "check_lockstate - weil DocMDP, wird P gecheckt");
-            if (!contains(entryValue(text, "/P"), "1")) return false;
-            logDebug(m_logger, "check_lockstate - P=1, also alles gelockt");
-            return true;
-        case TransformMethod::FieldMdp:
-            logDebug(m_logger, "check_lockstate - weil FieldsMDP, wird Action gecheckt");
-            if (!findLaterEntry(text, "/Action")) return false;
-            logDebug(m_logger, "check_lockstate - /Action gefunden");
-            if (!contains(entryValue(text, "/Action"), "/All")) return false;
-            logDebug(m_logger, "check_lockstate - /All gefunden, also alles gelockt");
-            return true;
-        default:
-            return false;
-    }
+    const TransformMethod applied = transformMethod(method->value.of(dictionary));
+    const auto [known, isNew] = answers.parameters[applied].try_emplace(referenced, false);
+    if (isNew && referenced != nullptr) known->second = parametersLock(*referenced, applied, m_logger);
+    return known->second;
 }

@@ -103,9 +103,17 @@ void CPdf::readSectionChain() {
     }
     logDebug(m_logger, "Erster Prev-Check");
     auto previous = entryInt(keyText(*lastTrailer_), "/Prev");
+    // Real sections do not overlap; a chain of ones that all reach to the same end is given up.
+    std::size_t budget = limits::kObjectBytesBase / 16 + limits::kObjectBytesPerByte * contentLen_;
     while (isNew(previous)) {
-        const std::string_view keys = keyText(*readSection(*previous, kPreviousTexts));
-        if (const auto stream = entryInt(keys, "/XRefStm"); isNew(stream)) readSection(*stream, kCompanionTexts);
+        const CPdfTrailer& section = *readSection(*previous, kPreviousTexts);
+        std::size_t size = section.content().size();
+        const std::string_view keys = keyText(section);
+        if (const auto stream = entryInt(keys, "/XRefStm"); isNew(stream)) {
+            size += readSection(*stream, kCompanionTexts)->content().size();
+        }
+        if (size > budget) break;
+        budget -= size;
         previous = entryInt(keys, "/Prev");
     }
 }
@@ -191,14 +199,13 @@ bool CPdf::unpackObjectStream(CPdfObj& stream) {
         // Long streams start with a larger buffer than the growth would reach.
         const std::size_t factor = std::max(limits::kInflateFactor, packed.size() / 1500 * 10);
         if (filter == StreamFilter::Flate) {
-            inflated = inflateAll(packed, std::min(packed.size() * factor, inflateBudget()));
+            inflated = inflateAll(packed, std::min(packed.size() * factor, inflateBudget()), &inflated_);
         }
         if (!inflated) {
             logDebug(m_logger, "### RetrieveObjects ABBRUCH (Problem beim Uncompress gepackter Stream)");
             return false;
         }
         decoded = inflated->view();
-        inflated_ += decoded.size();
     }
     return placeUnpacked(stream, decoded, static_cast<std::size_t>(*count), static_cast<std::size_t>(*first));
 }

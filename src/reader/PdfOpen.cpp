@@ -10,6 +10,7 @@
 #include "model/ObjectTable.h"
 #include "reader/KeywordSearch.h"
 #include "reader/PageTree.h"
+#include "reader/SectionText.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "support/ResultText.h"
@@ -151,9 +152,10 @@ int CPdf::checkNewestTrailer() {
 }
 
 int CPdf::findRoot() {
-    const std::string_view root = lastTrailer_ ? lastTrailer_->root() : std::string_view{};
-    if (root.empty()) return VARNPDF_NO_ROOT;
-    const CPdfObj* const catalogue = referencedObject(root);
+    const std::string_view keys = lastTrailer_ ? keyText(*lastTrailer_) : std::string_view{};
+    const auto root = findLaterEntry(keys, "/Root");
+    if (!root) return VARNPDF_NO_ROOT;
+    const CPdfObj* const catalogue = referencedObject(root->value.of(keys));
     return catalogue == nullptr || catalogue->content().empty() ? VARNPDF_ROOT_OBJECT_MISSING : VARNPDF_OK;
 }
 
@@ -163,7 +165,8 @@ CPdfObj* CPdf::referencedObject(std::string_view value) {
 }
 
 int CPdf::ParseContent(unsigned char* data, unsigned int len, bool /*release*/) {
-    if (data == nullptr || len == 0 || content_) return -1;
+    constexpr unsigned int kMost = std::numeric_limits<int>::max();  // offsets are int
+    if (data == nullptr || len == 0 || len > kMost || content_) return -1;
     content_.reset(static_cast<unsigned char*>(std::malloc(std::size_t{len} + 1)));
     if (!content_) throw std::bad_alloc();
     std::memcpy(content_.get(), data, len);

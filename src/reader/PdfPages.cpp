@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "model/DictionaryEntry.h"
 #include "model/ObjectTable.h"
@@ -82,8 +82,10 @@ std::string_view CPdf::kidsOf(CPdfObj& node) {
 void CPdf::walkTree(std::string_view references, const CPdfObj* root, bool (*isLeaf)(CPdfObj&),
                     std::vector<CPdfObj*>& leaves) {
     std::vector<Cursor> levels{Cursor(references)};
-    std::unordered_set<const CPdfObj*> nodes{root};
-    while (!levels.empty()) {
+    // What each object is, asked once: a leaf may be listed many times.
+    enum class Kind { Node, Leaf, Other };
+    std::unordered_map<const CPdfObj*, Kind> kinds{{root, Kind::Node}};
+    for (std::size_t followed = 0; !levels.empty() && followed < limits::kTreeReferences; ++followed) {
         const auto number = takeReference(levels.back());
         if (!number) {
             levels.pop_back();
@@ -91,12 +93,14 @@ void CPdf::walkTree(std::string_view references, const CPdfObj* root, bool (*isL
         }
         CPdfObj* const obj = objects_->find(*number);
         if (obj == nullptr) continue;
-        if (findLaterEntry(obj->content(), "/Kids")) {
-            const bool deeper = levels.size() < static_cast<std::size_t>(limits::kNesting);
-            if (deeper && nodes.insert(obj).second) levels.emplace_back(kidsOf(*obj));
-        } else if (isLeaf(*obj)) {
-            leaves.push_back(obj);
+        const auto [known, isNew] = kinds.try_emplace(obj, Kind::Other);
+        if (isNew && findLaterEntry(obj->content(), "/Kids")) {
+            known->second = Kind::Node;
+            if (levels.size() < static_cast<std::size_t>(limits::kNesting)) levels.emplace_back(kidsOf(*obj));
+            continue;
         }
+        if (isNew && isLeaf(*obj)) known->second = Kind::Leaf;
+        if (known->second == Kind::Leaf) leaves.push_back(obj);
     }
 }
 

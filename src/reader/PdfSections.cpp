@@ -152,7 +152,8 @@ bool CPdf::extractStream(CPdfTrailer& trailer) {
     switch (streamFilter(object)) {
         case StreamFilter::Flate:
             logDebug(m_logger, " + Stream ist codiert, also Decoden");
-            data = inflateAll(packed, std::min(packed.size() * limits::kInflateFactor, inflateBudget()));
+            data = inflateAll(packed, std::min(packed.size() * limits::kInflateFactor, inflateBudget()), &inflated_);
+            if (data) logInflating(m_logger, packed.size(), data->size());
             break;
         case StreamFilter::None:
             logDebug(m_logger, " + Stream nicht gepackt.");
@@ -168,8 +169,6 @@ bool CPdf::extractStream(CPdfTrailer& trailer) {
         logDebug(m_logger, "### ExtractTrailer ABBRUCH (Problem mit dem Stream-Auspacken!)");
         return false;
     }
-    logInflating(m_logger, packed.size(), data->size());
-    inflated_ += data->size();
     return extractRows(trailer, *data);
 }
 

@@ -14,7 +14,9 @@ constexpr std::size_t kNone = KeywordSearch::kNone;
 constexpr std::string_view kEndObj = "endobj";
 
 std::string_view lineAt(std::string_view text, std::size_t at) {
-    Cursor cursor(text, at);
+    constexpr std::size_t kLongestLine = 1024;
+    text = text.substr(at, kLongestLine);
+    Cursor cursor(text);
     cursor.skip(kIsEol);
     return cursor.takeUntil(kIsEol).of(text);
 }

@@ -95,7 +95,9 @@ int Preparation::openTrailer() {
     catalogue_ = pdf_.referencedObject(trailer->root());
     if (catalogue_ == nullptr || catalogue_->content().empty()) return VARNPDF_TRAILER_INCOMPLETE;
     // A file whose /Size equals its highest number keeps the number it gives away.
+    constexpr int kMostNumber = std::numeric_limits<int>::max() - 1000;
     const int highest = pdf_.get_max_obj_num_from_map();
+    if (std::max(trailer->GetSize(), highest) > kMostNumber) return VARNPDF_TRAILER_INCOMPLETE;
     numbers_.next = trailer->GetSize() >= highest ? trailer->GetSize() : highest + 1;
     pdf_.SetObjNum(numbers_.next);
     return VARNPDF_OK;

@@ -42,7 +42,7 @@ void Bytes::reserve(std::size_t capacity) {
     capacity_ = capacity;
 }
 
-std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound) {
+std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound, std::size_t* produced) {
     constexpr std::size_t kFirstRoom = 4096;
     InflateStream inflater;
     z_stream& stream = inflater.get();
@@ -62,6 +62,7 @@ std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound) {
         const uInt room = stream.avail_out;
         const int result = inflate(&stream, Z_NO_FLUSH);
         out.setSize(out.size() + (room - stream.avail_out));
+        if (produced != nullptr) *produced += room - stream.avail_out;
         if (out.size() > bound) return std::nullopt;
         if (result == Z_STREAM_END) return out;
         if (result != Z_OK) return std::nullopt;

@@ -30,6 +30,8 @@ private:
 
 /// The whole content of one zlib stream; bytes behind its end are ignored. Nothing when the data is damaged, ends too
 /// early or would be longer than `bound`.
-std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound);
+/// `produced`, when given, grows by the bytes that came out, also of data that is refused: work that a caller's budget
+/// has to pay for.
+std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound, std::size_t* produced = nullptr);
 
 }  // namespace varnpdf

@@ -13,13 +13,15 @@ inline constexpr int kDeclaredSize = 499'999;
 inline constexpr std::size_t kObjectRecords = 1'000'000;
 /// Nesting of arrays and dictionaries, of page-tree nodes and of indefinite-length DER values.
 inline constexpr int kNesting = 500;
+/// References followed in one walk over the page or field tree; nodes may share their kids.
+inline constexpr std::size_t kTreeReferences = 600'000;
 /// Links followed from a page or field to its /Parent.
 inline constexpr int kParents = 500;
 /// Sections of one /Prev chain. Each costs a record, so the chain is bounded although it cannot loop.
 inline constexpr std::size_t kSections = 100'000;
 /// Growth factors of the inflate buffers: a stream that inflates to more than this times its length is refused.
 inline constexpr std::size_t kInflateFactor = 1490;
-/// What all object streams of a document, or all its cross-reference streams, may inflate to together:
+/// What all streams of a document may inflate to together, the texts of unpacked objects included:
 /// a fixed part for small files and a part that grows with the file.
 inline constexpr std::size_t kInflatedBytesBase = std::size_t{256} << 20U;
 inline constexpr std::size_t kInflatedBytesPerByte = 20;

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "support/Limits.h"
 #include "support/LogCapture.h"
 #include "support/OpenedPdf.h"
 #include "support/PdfBuilder.h"
@@ -85,6 +86,24 @@ TEST(Pages, WhatIsMissingIsNamed) {
 }
 
 // Trees that loop, lie about their parents or are deeper than any stack: an answer, in time.
+// Nodes that share their kids would make more pages than any document has objects.
+TEST(Pages, SharedKidsAreFollowedOnlySoOften) {
+    PdfBuilder shared;
+    shared.object(1, "<< /Type /Catalog /Pages 2 0 R >>").object(3, "<< /Type /Page >>");
+    std::string nodes;
+    std::string leaves = "[";
+    for (int i = 0; i < 2'000; ++i) {
+        nodes += std::to_string(10 + i) + " 0 R ";
+        leaves += "3 0 R ";
+        shared.object(10 + i, "<< /Kids 4 0 R >>");
+    }
+    shared.object(2, "<< /Type /Pages /Kids [" + nodes + "] >>").object(4, leaves + "]");
+    OpenedPdf opened(shared.table().bytes());
+    ASSERT_EQ(opened.code, 0);
+    EXPECT_EQ(pageAt(opened.pdf, 100'000).number, 3);
+    EXPECT_EQ(pageAt(opened.pdf, static_cast<int>(varnpdf::limits::kTreeReferences)).number, 0);
+}
+
 TEST(Pages, HostileTrees) {
     PdfBuilder chain;
     chain.object(1, "<< /Type /Catalog /Pages 2 0 R >>");
