@@ -201,10 +201,12 @@ TEST(Appearance, Images) {
         const auto golden = [](const std::string& body, const std::string& space, const std::string& more) {
             const std::size_t begin = body.find("stream\r\n") + 8;
             const std::size_t length = body.rfind("\r\nendstream") - begin;
-            EXPECT_EQ(body.substr(0, begin),
-                      "<< \r\n    /Type /XObject\r\n   /Subtype /Image\r\n   /Filter /DCTDecode\r\n   /Length " +
-                          std::to_string(length) + "\r\n   /Width 4\r\n   /Height 2\r\n   /BitsPerComponent 8\r\n   " +
-                          space + " \r\n   " + more + " \r\n>>\r\nstream\r\n");
+            std::string head =
+                "<< \r\n    /Type /XObject\r\n   /Subtype /Image\r\n   /Filter /DCTDecode\r\n   /Length ";
+            head.append(std::to_string(length));
+            head.append("\r\n   /Width 4\r\n   /Height 2\r\n   /BitsPerComponent 8\r\n   ").append(space);
+            head.append(" \r\n   ").append(more).append(" \r\n>>\r\nstream\r\n");
+            EXPECT_EQ(body.substr(0, begin), head);
             EXPECT_EQ(body.substr(begin, 2), "\xFF\xD8");
         };
         if (mask) golden(file.body(16), "/ColorSpace /DeviceGray", "");

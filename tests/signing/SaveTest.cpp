@@ -44,7 +44,7 @@ TEST(SaveSignature, FilesFromOnePreparation) {
     for (const auto& [value, hex] :
          {std::pair{"\x01\xAB\xFF"s, "<01ABFF31>"s}, {"abcd"s, "<61626364>"s}, {"abcde"s, "<>\0\0\0\0\0\0\0\0"s}}) {
         const std::string file = saved(sign, value);
-        ASSERT_EQ(file.size(), bytes.size() + 2 * kRoom + 2);
+        ASSERT_EQ(file.size(), bytes.size() + std::size_t{2} * kRoom + 2);
         EXPECT_EQ(file.substr(sign.GetContentsOffset(), hex.size()), hex);
         EXPECT_EQ(std::string(file).erase(sign.GetContentsOffset(), hex.size()), bytes);
     }
