@@ -43,6 +43,7 @@ void trimRight(std::string& value, std::string_view set) {
 
 unsigned char hexPair(std::string_view pair) {
     unsigned value = 0;
+    while (!pair.empty() && isCSpace(pair.front())) pair.remove_prefix(1);
     for (const char c : pair) {
         if (!isClass(c, kIsHexDigit)) break;
         const int lower = c | 0x20;

@@ -157,7 +157,8 @@ int CPdfObj::GetIdFromReferenceArray(char* array, int index) {
         if (end == kNone || end + 1 >= text.size()) return 0;
         if (std::string_view("] \n\r").find(text[end + 1]) == kNone) return 0;
         if (i == index) {
-            if (!takeTwoInts(text.substr(begin, end - begin), objNum_, genNum_)) return 0;
+            // The reference was reached, whether or not its numbers can be read.
+            takeTwoInts(text.substr(begin, end - begin), objNum_, genNum_);
             return 1;
         }
         begin = end;
