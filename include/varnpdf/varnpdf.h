@@ -3,6 +3,7 @@
 
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Pdf.h"
+#include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfLockInfo.h"
 #include "varnpdf/PdfObj.h"
