@@ -38,9 +38,10 @@ public:
     /// Prepares the file for signing by an appended update that is kept in memory; nothing is written to disk.
     /// @param pdfFile       path, at most 256 characters
     /// @param page          page index from 0; outside the pages: the last one
-    /// @param posMode       how x and y are measured: 0 percent of the page, 1 points from the lower left, 2 upper left,
-    ///                      3 lower right, 4 upper right corner
-    /// @param x,y,width,height  place and size in points; a width or height of 0 or less: invisible
+    /// @param posMode       from where x and y are measured into the page: 0 percent of it from the lower left corner,
+    ///                      1 points from the lower left, 2 upper left, 3 lower right, 4 upper right corner
+    /// @param x,y           the lower left corner of the signature, whatever corner it is measured from
+    /// @param width,height  its size in points; 0 or less: invisible
     /// @param appearanceOption1 0
     /// @param reason,location   texts of at most 256 characters as they stand between the parentheses of a string
     /// @param name          UTF-8, escaped and written in ISO 8859-1

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# The library example of the README does on examples/signed.pdf what it says, and the value it writes is the one that
-# the program takes out and that openssl accepts.
+# The library examples of the README do what they say. Reading: the value written from examples/signed.pdf is the one that
+# the program takes out and that openssl accepts. Signing: the program, and pdfsig, accept the result as a whole.
 set -euo pipefail
 
 root=${VARNPDF_SOURCE_DIR:-$(cd "$(dirname "$0")/../.." && pwd)}
 varnpdf=${VARNPDF:-$root/build/release/cli/varnpdf}
 example=${READ_SIGNATURES:-$root/build/release/examples/read_signatures}
+signing=${SIGN_FILE:-$root/build/release/examples/sign_file}
 signed=$root/examples/signed.pdf
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -42,4 +43,19 @@ status=0
 status=0
 "$example" 2>err || status=$?
 [[ $status == 2 ]] || fail "wrong usage ends with $status"
+
+if command -v openssl >/dev/null; then
+    openssl req -x509 -newkey rsa:2048 -nodes -keyout key.pem -out cert.pem -days 30 -subj "/CN=Signer" 2>/dev/null
+    "$signing" "$root/examples/agreement.pdf" out.pdf key.pem cert.pem
+    cmp -n "$(stat -c %s "$root/examples/agreement.pdf")" "$root/examples/agreement.pdf" out.pdf ||
+        fail "signing changed the document"
+    "$varnpdf" verify out.pdf --trust cert.pem >verified || fail "the program does not accept: $(cat verified)"
+    grep -q 'covers  *the whole file' verified || fail "not the whole file is signed"
+    status=0
+    "$signing" "$root/examples/agreement.pdf" none.pdf cert.pem cert.pem 2>err || status=$?
+    [[ $status == 1 && ! -e none.pdf ]] || fail "a certificate as key ends with $status"
+    status=0
+    "$signing" missing.pdf none.pdf key.pem cert.pem 2>err || status=$?
+    [[ $status == 1 && ! -e none.pdf ]] && grep -q '(-1001)$' err || fail "a missing file ends with $status: $(cat err)"
+fi
 echo "the example reads signed.pdf, value of $size bytes"

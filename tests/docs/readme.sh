@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The documents tell the truth: README's C++ block is the example's source, and every command of the console blocks
+# The documents tell the truth: README's C++ blocks are the examples' sources, and every command of the console blocks
 # prints what stands behind it. A line "..." there stands for any lines.
 set -euo pipefail
 
@@ -11,14 +11,22 @@ export VARNPDF
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# --- the C++ block ----------------------------------------------------------------------------------------------------
-blocks=$(grep -c '^```cpp$' "$readme" || true)
-if [[ $blocks != 1 ]]; then
-    echo "README.md has $blocks C++ blocks instead of one" >&2
+# --- the C++ blocks: each is one of the examples, told by its first line ---------------------------------------------
+awk -v out="$work/block" '/^```cpp$/ { inside = ++count; next } /^```/ { inside = 0 } inside { print > (out inside ".cpp") }' \
+    "$readme"
+blocks=("$work"/block*.cpp)
+examples=("$root"/examples/*.cpp)
+if ((${#blocks[@]} != ${#examples[@]})); then
+    echo "README.md has ${#blocks[@]} C++ blocks for ${#examples[@]} examples" >&2
     exit 1
 fi
-sed -n '/^```cpp$/,/^```$/{/^```/d;p}' "$readme" >"$work/block.cpp"
-diff -u --label examples/read_signatures.cpp --label README.md "$root/examples/read_signatures.cpp" "$work/block.cpp"
+for block in "${blocks[@]}"; do
+    example=$(grep -lxF -- "$(head -n 1 "$block")" "${examples[@]}") || {
+        echo "no example begins with: $(head -n 1 "$block")" >&2
+        exit 1
+    }
+    diff -u --label "$example" --label README.md "$example" "$block"
+done
 
 # --- the console blocks: one file for each command, one for what it shall print ---------------------------------------
 mkdir "$work/cases"
