@@ -8,7 +8,9 @@ class CPdf;
 
 /// Operations that open, read and close a document of their own. Holds nothing; one thread at a time uses an object.
 /// Signature indexes count from 0. A null buffer asks for the size; a second call with a buffer of that size and the
-/// length holding it fetches the value. An error of `CPdf::Open` is returned as it is.
+/// length holding it fetches the value. The file may change between the two: a length below the size then is refused
+/// with the operation's code for a value that cannot be used, and nothing is written behind the buffer. An error of
+/// `CPdf::Open` is returned as it is.
 class VARNPDF_EXPORT CPdfDoc {
 public:
     CPdfDoc() = default;

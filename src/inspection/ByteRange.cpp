@@ -13,10 +13,15 @@ bool ByteRange::covers(std::size_t size, std::size_t most) const noexcept {
            second <= size - static_cast<std::size_t>(offset1);
 }
 
-std::string_view ByteRange::digits(std::string_view document) const noexcept {
+std::size_t ByteRange::digitCount(std::size_t size) const noexcept {
     constexpr int kBrackets = 2;
-    if (length0 < 0 || gap() < kBrackets || static_cast<std::size_t>(offset1) > document.size()) return {};
-    return document.substr(static_cast<std::size_t>(length0) + 1, static_cast<std::size_t>(gap() - kBrackets));
+    if (length0 < 0 || gap() < kBrackets || static_cast<std::size_t>(offset1) > size) return 0;
+    return static_cast<std::size_t>(gap() - kBrackets);
+}
+
+std::string_view ByteRange::digits(std::string_view document) const noexcept {
+    const std::size_t count = digitCount(document.size());
+    return count == 0 ? std::string_view{} : document.substr(static_cast<std::size_t>(length0) + 1, count);
 }
 
 std::optional<ByteRange> parseByteRange(std::string_view text) noexcept {

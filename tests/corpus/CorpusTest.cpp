@@ -13,20 +13,18 @@
 #include <vector>
 
 #include "fuzz/support/Transcript.h"
+#include "support/Corpus.h"
 #include "varnpdf/Pdf.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
+using varnpdf::test::corpus;
+
 constexpr double kMostSeconds = 2;
 constexpr const char* kExpected = VARNPDF_SOURCE_DIR "/tests/corpus/expected.tsv";
 constexpr const char* kTable = VARNPDF_SOURCE_DIR "/docs/corpus.md";
-
-fs::path corpus() {
-    const char* const named = std::getenv("VARNPDF_CORPUS");
-    return named != nullptr ? named : VARNPDF_SOURCE_DIR "/../shared/corpus";
-}
 
 /// Rows of a file with tab-separated fields, the heading left out.
 std::vector<std::vector<std::string>> rows(const fs::path& file) {

@@ -6,6 +6,7 @@ set -euo pipefail
 root=${VARNPDF_SOURCE_DIR:-$(cd "$(dirname "$0")/../.." && pwd)}
 varnpdf=${VARNPDF:-$root/build/release/cli/varnpdf}
 example=${READ_SIGNATURES:-$root/build/release/examples/read_signatures}
+one_call=${ONE_CALL:-$root/build/release/examples/one_call}
 signing=${SIGN_FILE:-$root/build/release/examples/sign_file}
 signed=$root/examples/signed.pdf
 work=$(mktemp -d)
@@ -24,8 +25,11 @@ diff -u expected out || fail "the example lists something else"
 
 "$varnpdf" extract "$signed" --signature 0 --pkcs7 -o same.der
 cmp value.der same.der || fail "the example's value is not the program's"
+"$varnpdf" extract "$signed" --signature 0 --signed-bytes -o signed.bin
+"$one_call" "$signed" same.bin >out
+cmp signed.bin same.bin || fail "one_call's bytes are not the program's"
+[[ $(<out) == "0: /adbe.pkcs7.detached" ]] || fail "one_call lists something else: $(cat out)"
 if command -v openssl >/dev/null; then
-    "$varnpdf" extract "$signed" --signature 0 --signed-bytes -o signed.bin
     openssl cms -verify -inform DER -in value.der -content signed.bin -CAfile "$root/examples/signer.pem" -purpose any \
         -binary -out /dev/null || fail "openssl refuses the value"
 else
@@ -40,6 +44,9 @@ grep -q '^missing.pdf: .* (-1001)$' err || fail "a missing file is not explained
 status=0
 "$example" "$signed" missing/value.der >out 2>err || status=$?
 [[ $status == 1 ]] && grep -q 'missing/value.der: cannot be written' err || fail "a lost value goes unnoticed ($status)"
+status=0
+"$one_call" missing.pdf same.bin >out 2>err || status=$?
+[[ $status == 1 && ! -s out ]] && grep -q '^missing.pdf: .* (-1001)$' err || fail "one_call: a missing file ends with $status"
 status=0
 "$example" 2>err || status=$?
 [[ $status == 2 ]] || fail "wrong usage ends with $status"
