@@ -14,8 +14,8 @@ namespace {
 constexpr const char* kVersion = "varnpdf 2.10.0";
 
 using Adder = cli::Command (*)(CLI::App&);
-constexpr Adder kCommands[] = {cli::addInfo,    cli::addExtract, cli::addShow,  cli::addSign,
-                               cli::addPrepare, cli::addEmbed,   cli::addVerify};
+constexpr Adder kCommands[] = {cli::addInfo,    cli::addExtract, cli::addShow,   cli::addSign,
+                               cli::addPrepare, cli::addEmbed,   cli::addVerify, cli::addConvert};
 
 constexpr const char* kFooter = R"(Exit codes:
   0  all good
@@ -27,7 +27,7 @@ constexpr const char* kFooter = R"(Exit codes:
 "--" ends the options: what follows is a file, whatever it begins with.)";
 
 int parseAndRun(int argc, char** argv) {
-    CLI::App program{"Reads, signs and verifies PDF files.", "varnpdf"};
+    CLI::App program{"Reads, signs and verifies PDF files, and makes them of images and text.", "varnpdf"};
     program.set_version_flag("--version", kVersion);
     program.require_subcommand(1);
     program.footer(kFooter);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "varnpdf/ByteStream.h"
+#include "varnpdf/Convert.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfHelper.h"

@@ -28,5 +28,13 @@ inline constexpr std::size_t kInflatedBytesPerByte = 20;
 /// Objects may overlap in damaged files; together they may cover the file only so many times.
 inline constexpr std::size_t kObjectBytesBase = std::size_t{64} << 20U;
 inline constexpr std::size_t kObjectBytesPerByte = 8;
+/// Pixels of one side of a TIFF page and of the whole page; a square metre at 400 dots per inch has 248 million.
+inline constexpr std::size_t kImageSide = 1'000'000;
+inline constexpr std::size_t kImagePixels = std::size_t{1} << 28U;
+/// Largest piece of a TIFF page that is held decoded at a time, and largest block that libtiff may allocate.
+inline constexpr std::size_t kImagePieceBytes = std::size_t{256} << 20U;
+/// RGB samples of all pages of a TIFF together. Empty fax pages are packed by factors of 5,000.
+inline constexpr std::size_t kImageBytesBase = std::size_t{2} << 30U;
+inline constexpr std::size_t kImageBytesPerByte = 10'000;
 
 }  // namespace varnpdf::limits
