@@ -152,11 +152,14 @@ public:
     /// The value of /Type by the object lookup (of two occurrences the later), empty when there is none. Scanned once
     /// for each state of the text.
     [[nodiscard]] std::string_view typeEntry();
+    /// The value of /FT (ISO 32000-2 12.7.4) likewise.
+    [[nodiscard]] std::string_view fieldTypeEntry();
 
 private:
     void assign(std::string_view text);
     void splice(std::size_t begin, std::size_t end, std::string_view replacement);
     void rememberDictionaryTypes();
+    void findEntries();
     void changed() noexcept;
 
     ContentType objectType_ = eContentUndefined;
@@ -166,7 +169,7 @@ private:
     bool hasColumns_ = false;
     bool hasPredictor_ = true;
     bool typesKnown_ = true;
-    bool typeEntryKnown_ = false;
+    bool entriesKnown_ = false;
     int streamObjNr_ = 0;
     int positionInStream_ = 0;
     int objNum_ = -1;
@@ -177,8 +180,10 @@ private:
     int storedLen_ = 0;
     int predictor_ = 1;
     int columns_ = 0;
-    int typeEntryPos_ = 0;
-    int typeEntryLen_ = 0;
+    std::uint32_t typeEntryPos_ = 0;
+    std::uint32_t typeEntryLen_ = 0;
+    std::uint32_t fieldTypePos_ = 0;
+    std::uint32_t fieldTypeLen_ = 0;
     const char* text_ = nullptr;              // borrowed, or owned_.get()
     std::unique_ptr<unsigned char[]> owned_;  // terminated copy, when there is one
     std::unique_ptr<char[]> dictionaryType_;

@@ -65,9 +65,9 @@ void CPdf::check_lockstate() {
         return;
     }
     LockAnswers answers;
-    objects_->forEach(std::numeric_limits<int>::max(), [&](int, const CPdfObj& obj) {
+    objects_->forEach(std::numeric_limits<int>::max(), [&](int, CPdfObj& obj) {
+        if (!contains(obj.fieldTypeEntry(), "/Sig")) return;
         const std::string_view text = obj.content();
-        if (!contains(entryValue(text, "/FT"), "/Sig")) return;
         const auto signature = findLaterEntry(text, "/V");
         if (!signature) return;
         logDebug(m_logger, "check_lockstate - /V ebenfalls gefunden");

@@ -81,8 +81,8 @@ void narrowWideText(std::string& value) {
 
 bool CPdf::isSignatureField(CPdfObj& obj) {
     if (!contains(obj.typeEntry(), "/Annot")) return false;
+    if (!contains(obj.fieldTypeEntry(), "/Sig")) return false;
     const std::string_view text = obj.content();
-    if (!contains(entryValue(text, "/FT"), "/Sig")) return false;
     logDebug(m_logger, "/Sig gefunden in Obj ", obj.GetObjNum());
     const bool isSigned = contains(text, "/V") && findLaterEntry(text, "/V");
     logDebug(m_logger, isSigned ? "/V gefunden zähle Signatur!" : "/V NICHT gefunden!");
@@ -123,8 +123,8 @@ CPdfObj* CPdf::GetPdfObjBySigIndex(int index) {
 void CPdf::create_vectorlist_of_signatures(std::vector<std::string>& names) {
     logDebug(m_logger, "Create_Vectorlist_of_signatures START");
     objects_->forEach(kAllSlots, [&](int, CPdfObj& obj) {
+        if (!contains(obj.fieldTypeEntry(), "/Sig")) return;
         const std::string_view text = obj.content();
-        if (!contains(entryValue(text, "/FT"), "/Sig")) return;
         logDebug(m_logger, contains(text, "/V") ? "/V gefunden, checke heiter weiter"
                                                 : "kein /V gefunden, checke heiter weiter könnte leeres Sigfeld sein");
         if (!contains(text, "/T")) return;

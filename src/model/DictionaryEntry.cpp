@@ -15,6 +15,13 @@ constexpr std::array<bool, 256> stopTable(std::string_view stops) {
     return table;
 }
 
+// A key of which the later entry is looked for; settled when a second one, or a value that cannot be read, is met.
+struct LaterEntry {
+    std::string_view key;
+    std::optional<DictionaryEntry> entry = {};
+    bool settled = false;
+};
+
 class EntryScanner {
 public:
     EntryScanner(std::string_view text, std::string_view key, EntryLookup how)
@@ -29,16 +36,28 @@ public:
     }
 
     std::optional<DictionaryEntry> find() {
+        for (std::size_t name = nextName(); name != kNone; name = nextName()) {
+            if (matches(name + 1, key_)) return readValue(name, name + 1 + key_.size());
+        }
+        return std::nullopt;
+    }
+
+    // The offset of the next name at the level that is searched; the scan goes on behind its '/'.
+    std::size_t nextName() {
         for (;;) {
             at_ = nextStop(at_);
-            if (at_ >= text_.size()) return std::nullopt;
-            if (text_[at_] == '/') {
-                const std::size_t begin = at_++;
-                if (matches(begin + 1)) return readValue(begin, begin + 1 + key_.size());
-            } else if (!step()) {
-                return std::nullopt;
-            }
+            if (at_ >= text_.size()) return kNone;
+            if (text_[at_] == '/') return at_++;
+            if (!step()) return kNone;
         }
+    }
+
+    // Takes the value behind the name if it is the key that is wanted.
+    void offer(std::size_t name, LaterEntry& wanted) const {
+        if (wanted.settled || !matches(name + 1, wanted.key)) return;
+        const auto entry = readValue(name, name + 1 + wanted.key.size());
+        wanted.settled = !entry || wanted.entry;
+        if (entry) wanted.entry = entry;
     }
 
 private:
@@ -50,12 +69,12 @@ private:
 
     [[nodiscard]] bool has(std::size_t at, char c) const { return at < text_.size() && text_[at] == c; }
 
-    [[nodiscard]] bool matches(std::size_t at) const {
-        if (text_.size() - at < key_.size()) return false;
-        for (std::size_t i = 0; i < key_.size(); ++i) {
-            if (text_[at + i] != key_[i]) return false;
+    [[nodiscard]] bool matches(std::size_t at, std::string_view key) const {
+        if (text_.size() - at < key.size()) return false;
+        for (std::size_t i = 0; i < key.size(); ++i) {
+            if (text_[at + i] != key[i]) return false;
         }
-        const std::size_t end = at + key_.size();
+        const std::size_t end = at + key.size();
         return end == text_.size() || !isRegular(text_[end]);
     }
 
@@ -221,6 +240,17 @@ std::optional<DictionaryEntry> findLaterEntry(std::string_view text, std::string
     if (!first) return first;
     const auto second = scanner.findAgain(*first);
     return second ? second : first;
+}
+
+ObjectTypes findTypes(std::string_view text) {
+    EntryScanner scanner(text, {}, {});
+    LaterEntry type{"Type"};
+    LaterEntry fieldType{"FT"};
+    for (std::size_t name = scanner.nextName(); name != kNone; name = scanner.nextName()) {
+        scanner.offer(name, type);
+        scanner.offer(name, fieldType);
+    }
+    return {type.entry ? type.entry->value : TextSpan{}, fieldType.entry ? fieldType.entry->value : TextSpan{}};
 }
 
 std::string_view entryValue(std::string_view text, std::string_view key) {

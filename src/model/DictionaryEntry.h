@@ -28,6 +28,14 @@ std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view
 /// Of two occurrences the later; a third is not looked for.
 std::optional<DictionaryEntry> findLaterEntry(std::string_view text, std::string_view key, bool namesAsValues = true);
 
+struct ObjectTypes {
+    TextSpan type;       ///< value of /Type, empty when there is none
+    TextSpan fieldType;  ///< value of /FT
+};
+
+/// Both in one pass, each as `findLaterEntry` finds it. Opening asks every object for them.
+ObjectTypes findTypes(std::string_view text);
+
 /// The text of that entry's value, empty when there is none.
 std::string_view entryValue(std::string_view text, std::string_view key);
 

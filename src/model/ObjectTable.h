@@ -17,9 +17,11 @@ public:
     [[nodiscard]] CPdfObj* find(int slot) const noexcept {
         if (isDense(slot)) return dense(slot);
         const auto it = outliers_.find(slot);
-        return it == outliers_.end() ? nullptr : it->second.get();
+        return it == outliers_.end() ? nullptr : it->second;
     }
 
+    /// A new object in the slot; null when the slot is taken.
+    CPdfObj* create(int slot);
     /// False, and the object stays the caller's, when the slot is taken.
     bool insert(int slot, std::unique_ptr<CPdfObj>& object);
 
@@ -49,11 +51,18 @@ private:
     static bool isDense(int slot) noexcept { return slot >= 0 && slot < kDenseSlots; }
     [[nodiscard]] CPdfObj* dense(int slot) const noexcept {
         const auto index = static_cast<std::size_t>(slot);
-        return index < dense_.size() ? dense_[index].get() : nullptr;
+        return index < dense_.size() ? dense_[index] : nullptr;
     }
+    void place(int slot, CPdfObj& object);
+    CPdfObj& fresh();
 
-    std::vector<std::unique_ptr<CPdfObj>> dense_;
-    std::map<int, std::unique_ptr<CPdfObj>> outliers_;
+    std::vector<CPdfObj*> dense_;
+    std::map<int, CPdfObj*> outliers_;
+    std::vector<std::unique_ptr<CPdfObj>> inserted_;
+    // Objects made here stand side by side: one allocation for many, and scans over all of them stay in order.
+    std::vector<std::unique_ptr<CPdfObj[]>> blocks_;
+    std::size_t blockSize_ = 0;
+    std::size_t blockUsed_ = 0;
     std::size_t size_ = 0;
     std::uint64_t revision_ = 0;
 };

@@ -161,13 +161,23 @@ void CPdfObj::borrowContent(std::string_view text) noexcept {
 }
 
 std::string_view CPdfObj::typeEntry() {
-    if (!typeEntryKnown_) {
-        const auto entry = findLaterEntry(content(), "/Type");
-        typeEntryPos_ = entry ? static_cast<int>(entry->value.begin) : 0;
-        typeEntryLen_ = entry ? static_cast<int>(entry->value.size()) : 0;
-        typeEntryKnown_ = true;
-    }
-    return content().substr(static_cast<std::size_t>(typeEntryPos_), static_cast<std::size_t>(typeEntryLen_));
+    findEntries();
+    return content().substr(typeEntryPos_, typeEntryLen_);
+}
+
+std::string_view CPdfObj::fieldTypeEntry() {
+    findEntries();
+    return content().substr(fieldTypePos_, fieldTypeLen_);
+}
+
+void CPdfObj::findEntries() {
+    if (entriesKnown_) return;
+    const auto [type, fieldType] = findTypes(content());
+    typeEntryPos_ = static_cast<std::uint32_t>(type.begin);
+    typeEntryLen_ = static_cast<std::uint32_t>(type.size());
+    fieldTypePos_ = static_cast<std::uint32_t>(fieldType.begin);
+    fieldTypeLen_ = static_cast<std::uint32_t>(fieldType.size());
+    entriesKnown_ = true;
 }
 
 // Takes a copy of the text; `text` may be part of the present one.
@@ -199,6 +209,6 @@ void CPdfObj::rememberDictionaryTypes() {
 }
 
 void CPdfObj::changed() noexcept {
-    typeEntryKnown_ = false;
+    entriesKnown_ = false;
     if (revision_ != nullptr) ++*revision_;
 }

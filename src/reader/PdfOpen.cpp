@@ -103,7 +103,9 @@ int CPdf::loadFile(const char* filename, const char* mode) {
 }
 
 bool CPdf::readContent(std::size_t length) {
-    content_.reset(static_cast<unsigned char*>(std::malloc(length + 1)));
+    // Room that nobody touches costs nothing, and an update of usual size then grows the buffer without moving it.
+    constexpr std::size_t kUpdate = 65'536;
+    content_.reset(static_cast<unsigned char*>(std::malloc(length + 1 + kUpdate)));
     if (!content_) return false;
     contentLen_ = static_cast<unsigned int>(length);
     // A file that has become shorter meanwhile reads as zeros at its end.

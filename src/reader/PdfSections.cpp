@@ -260,9 +260,7 @@ bool CPdf::recordEntry(long long objnum, int offset, int gen, bool isFree, int s
     CPdfObj* obj = objects_->find(slot);
     if (obj == nullptr) {
         if (objects_->size() >= limits::kObjectRecords) return false;
-        auto created = std::make_unique<CPdfObj>();
-        obj = created.get();
-        objects_->insert(slot, created);
+        obj = objects_->create(slot);
     }
     if (gen <= 0 && !obj->GetStatus()) return true;
     obj->SetObjNum(slot);

@@ -1,8 +1,7 @@
 // The background image of a visible signature.
 #include "signing/Image.h"
 
-#include <FreeImage.h>
-
+#include "signing/FreeImageLibrary.h"
 #include "support/Log.h"
 
 namespace varnpdf {
@@ -11,12 +10,12 @@ namespace {
 constexpr unsigned kMostPixels = 100'000'000;  // a decoded image of this size takes 400 MB
 
 struct Unload {
-    void operator()(FIBITMAP* bitmap) const noexcept { FreeImage_Unload(bitmap); }
+    void operator()(FIBITMAP* bitmap) const noexcept { FreeImageLibrary::get()->unload(bitmap); }
 };
 using Bitmap = std::unique_ptr<FIBITMAP, Unload>;
 
 struct CloseMemory {
-    void operator()(FIMEMORY* memory) const noexcept { FreeImage_CloseMemory(memory); }
+    void operator()(FIMEMORY* memory) const noexcept { FreeImageLibrary::get()->closeMemory(memory); }
 };
 using Memory = std::unique_ptr<FIMEMORY, CloseMemory>;
 
@@ -39,52 +38,56 @@ const char* colourTypeText(FREE_IMAGE_COLOR_TYPE type) {
     }
 }
 
-std::optional<JpegPlane> jpeg(FIBITMAP* bitmap) {
-    const Memory memory(FreeImage_OpenMemory());
+std::optional<JpegPlane> jpeg(const FreeImageLibrary& library, FIBITMAP* bitmap) {
+    const Memory memory(library.openMemory(nullptr, 0));
     BYTE* data = nullptr;
     DWORD size = 0;
     constexpr int kSettings = JPEG_QUALITYSUPERB | JPEG_SUBSAMPLING_444;
-    if (bitmap == nullptr || !memory || !FreeImage_SaveToMemory(FIF_JPEG, bitmap, memory.get(), kSettings) ||
-        !FreeImage_AcquireMemory(memory.get(), &data, &size)) {
+    if (bitmap == nullptr || !memory || !library.saveToMemory(FIF_JPEG, bitmap, memory.get(), kSettings) ||
+        !library.acquireMemory(memory.get(), &data, &size)) {
         return std::nullopt;
     }
-    return JpegPlane{FreeImage_GetWidth(bitmap), FreeImage_GetHeight(bitmap),
+    return JpegPlane{library.width(bitmap), library.height(bitmap),
                      std::string(reinterpret_cast<const char*>(data), size)};
 }
 
-bool isTooLarge(FIBITMAP* header) {
-    const unsigned width = FreeImage_GetWidth(header);
-    const unsigned height = FreeImage_GetHeight(header);
+bool isTooLarge(const FreeImageLibrary& library, FIBITMAP* header) {
+    const unsigned width = library.width(header);
+    const unsigned height = library.height(header);
     return width == 0 || height == 0 || width > kMostPixels / height;
 }
 
 }  // namespace
 
 std::optional<JpegImage> loadPng(const char* path, bool examine, const ClassLogger& logger) {
-    if (FreeImage_GetFileType(path, 0) != FIF_PNG) return std::nullopt;
-    const Bitmap header(FreeImage_Load(FIF_PNG, path, FIF_LOAD_NOPIXELS));
-    if (!header || isTooLarge(header.get())) return std::nullopt;
-    const Bitmap loaded(FreeImage_Load(FIF_PNG, path, PNG_DEFAULT));
+    const FreeImageLibrary* const library = FreeImageLibrary::get();
+    if (library == nullptr) {
+        logError(logger, "libfreeimage kann nicht geladen werden");
+        return std::nullopt;
+    }
+    if (library->getFileType(path, 0) != FIF_PNG) return std::nullopt;
+    const Bitmap header(library->load(FIF_PNG, path, FIF_LOAD_NOPIXELS));
+    if (!header || isTooLarge(*library, header.get())) return std::nullopt;
+    const Bitmap loaded(library->load(FIF_PNG, path, PNG_DEFAULT));
     if (!loaded) return std::nullopt;
-    logDebug(logger, colourTypeText(FreeImage_GetColorType(loaded.get())));
+    logDebug(logger, colourTypeText(library->colourType(loaded.get())));
 
     JpegImage image;
     if (examine) {
         logDebug(logger, "PNG-Untersuchung wegen Transparenz");
-        image.transparent = FreeImage_IsTransparent(loaded.get()) != 0;
+        image.transparent = library->isTransparent(loaded.get()) != 0;
         logDebug(logger, image.transparent ? "+ PNG mit Transparent erkannt" : "+ PNG OHNE Transparent erkannt");
     }
     if (image.transparent) {
-        const Bitmap full(FreeImage_ConvertTo32Bits(loaded.get()));
-        const Bitmap channel(full ? FreeImage_GetChannel(full.get(), FICC_ALPHA) : nullptr);
-        auto alpha = jpeg(channel.get());
+        const Bitmap full(library->to32Bits(loaded.get()));
+        const Bitmap channel(full ? library->channel(full.get(), FICC_ALPHA) : nullptr);
+        auto alpha = jpeg(*library, channel.get());
         if (!alpha) return std::nullopt;
         image.alpha = std::move(*alpha);
     }
-    image.grey = !image.transparent && FreeImage_GetColorType(loaded.get()) == FIC_MINISBLACK;
-    const Bitmap plain(image.grey ? FreeImage_ConvertToGreyscale(loaded.get())
-                                  : FreeImage_ConvertTo24Bits(loaded.get()));
-    auto colour = jpeg(plain.get());
+    image.grey = !image.transparent && library->colourType(loaded.get()) == FIC_MINISBLACK;
+    const Bitmap plain(image.grey ? library->toGreyscale(loaded.get()) : library->to24Bits(loaded.get()));
+    auto colour = jpeg(*library, plain.get());
     if (!colour) return std::nullopt;
     image.colour = std::move(*colour);
     return image;

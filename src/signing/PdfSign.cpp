@@ -1,6 +1,7 @@
 // CPdfSign: the two steps of a signature.
 #include "varnpdf/PdfSign.h"
 
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -18,6 +19,14 @@ constinit ClassLogger CPdfSign::m_logger{"VarnPDF.CPdfSign"};
 namespace {
 
 constexpr std::size_t kFileName = 256;
+
+// The two digits of every byte.
+constexpr std::array<std::array<char, 2>, 256> hexPairs() {
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::array<std::array<char, 2>, 256> pairs{};
+    for (std::size_t i = 0; i < pairs.size(); ++i) pairs[i] = {kDigits[i >> 4U], kDigits[i & 15U]};
+    return pairs;
+}
 
 std::string_view viewOf(const unsigned char* bytes, std::size_t length) {
     return {reinterpret_cast<const char*>(bytes), length};
@@ -111,7 +120,7 @@ int CPdfSign::prepare(CPdf& pdf, const SigningRequest& request, bool takeContent
 
 void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char* sig, std::uint32_t sigLen,
                                 std::uint32_t contentsSize) {
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    static constexpr auto kPairs = hexPairs();
     logDebug(m_logger, "entering CPdfSign::buildSignContent");
     const std::size_t length = std::size_t{2} * contentsSize + 2;
     if (outLen != nullptr) *outLen = static_cast<std::uint32_t>(length);
@@ -120,14 +129,8 @@ void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char
     char* at = content.get();
     *at++ = '<';
     if (sig != nullptr && contentsSize >= sigLen) {
-        for (std::uint32_t i = 0; i < sigLen; ++i) {
-            *at++ = kDigits[sig[i] >> 4U];
-            *at++ = kDigits[sig[i] & 15U];
-        }
-        for (std::uint32_t i = sigLen; i < contentsSize; ++i) {
-            *at++ = '3';
-            *at++ = '1';
-        }
+        for (std::uint32_t i = 0; i < sigLen; ++i, at += 2) std::memcpy(at, kPairs[sig[i]].data(), 2);
+        for (std::uint32_t i = sigLen; i < contentsSize; ++i, at += 2) std::memcpy(at, "31", 2);
     }
     *at = '>';
     *out = content.release();

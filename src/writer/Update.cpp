@@ -1,9 +1,11 @@
 // The text of an appended update.
 #include "writer/Update.h"
 
-#include <algorithm>
-
+#define ZLIB_CONST  // zlib reads its input through a pointer to const
 #include <zlib.h>
+
+#include <algorithm>
+#include <limits>
 
 #include "support/Text.h"
 #include "syntax/Cursor.h"
@@ -22,6 +24,35 @@ void appendField(std::string& out, unsigned value, int width) {
         out.push_back(static_cast<char>(shift >= 32 ? 0 : (value >> static_cast<unsigned>(shift)) & 0xffU));
     }
 }
+
+// The state of a deflation takes 268 kB. Each thread keeps its own for the next stream: giving it back to the system and
+// fetching it again would cost more than the few hundred bytes that a signature compresses.
+class Deflater {
+public:
+    Deflater() : usable_(deflateInit(&stream_, Z_DEFAULT_COMPRESSION) == Z_OK) {}
+    Deflater(const Deflater&) = delete;
+    Deflater& operator=(const Deflater&) = delete;
+    ~Deflater() {
+        if (usable_) deflateEnd(&stream_);
+    }
+
+    // False when zlib cannot do it. `out` has room for whatever comes.
+    bool run(std::string_view bytes, std::string& out) {
+        constexpr std::size_t kMost = std::numeric_limits<uInt>::max();
+        if (!usable_ || out.size() > kMost || deflateReset(&stream_) != Z_OK) return false;
+        stream_.next_in = reinterpret_cast<const Bytef*>(bytes.data());
+        stream_.avail_in = static_cast<uInt>(bytes.size());
+        stream_.next_out = reinterpret_cast<Bytef*>(out.data());
+        stream_.avail_out = static_cast<uInt>(out.size());
+        if (deflate(&stream_, Z_FINISH) != Z_STREAM_END) return false;
+        out.resize(stream_.total_out);
+        return true;
+    }
+
+private:
+    z_stream stream_{};
+    bool usable_;
+};
 
 template <typename Visit>
 void forEachEntry(const CPdfXRefContainer& xrefs, Visit&& visit) {
@@ -107,12 +138,9 @@ std::optional<std::string> crossReferenceStream(const CPdfXRefContainer& xrefs, 
 }
 
 std::optional<std::string> deflated(std::string_view bytes) {
-    uLongf size = compressBound(static_cast<uLong>(bytes.size()));
-    std::string out(size, '\0');
-    const int result = compress(reinterpret_cast<Bytef*>(out.data()), &size,
-                                reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uLong>(bytes.size()));
-    if (result != Z_OK) return std::nullopt;
-    out.resize(size);
+    thread_local Deflater deflater;
+    std::string out(compressBound(static_cast<uLong>(bytes.size())), '\0');
+    if (!deflater.run(bytes, out)) return std::nullopt;
     return out;
 }
 
