@@ -160,14 +160,23 @@ std::optional<std::string> cli::toName(const std::string& what, std::string_view
         refuse(what, utf8, *odd, "in a name (Latin-1)");
         return std::nullopt;
     }
-    std::string out(utf8);
+    if (startsLikeMark(inPdfDoc(*text))) {
+        complain(what, "a name must not start with the characters that mark an encoding: " + std::string(utf8));
+        return std::nullopt;
+    }
     // The library escapes parentheses and backslashes, but not the first byte and not behind a backslash.
-    if (!out.empty() && std::string_view("()\\").find(out.front()) != std::string_view::npos) out.insert(0, 1, '\\');
+    std::string out;
+    char before = '\\';
+    for (const char c : utf8) {
+        if (before == '\\' && std::string_view("()\\").find(c) != std::string_view::npos) out += '\\';
+        out += c;
+        before = c;
+    }
     return out;
 }
 
 bool cli::isName(std::string_view utf8) {
     if (validUtf8(utf8) != utf8) return false;
     const std::vector<char32_t> text = characters(utf8);
-    return std::all_of(text.begin(), text.end(), inName);
+    return std::all_of(text.begin(), text.end(), inName) && !startsLikeMark(inPdfDoc(text));
 }

@@ -141,7 +141,8 @@ std::string formObject(int number, const Appearance& form) {
         appendImage(content, form);
     }
     append(resources, "/n0 ", form.blank, " 0 R ");
-    appendLayer(content, form, "/n0");
+    // On an image the additional layers do without the blank one.
+    if (form.image == 0 || !form.layers) appendLayer(content, form, "/n0");
     if (form.layers) {
         append(resources, "/n1 ", form.question, " 0 R ");
         appendIcon(content, form, "/n1");

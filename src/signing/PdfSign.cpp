@@ -87,7 +87,11 @@ int CPdfSign::DummySign(CPdf* pdf, int page, int posMode, int x, int y, int widt
     const SigningRequest request{page,      posMode, {x, y},     {width, height}, appearanceOption1,      reason,
                                  location,  name,    signDate,   contentsSize,    appearanceOption2 != 0, useImage != 0,
                                  imageFile, fields,  fieldCount, lock > 0,        skipImageCheck};
-    return prepare(*pdf, request, false);
+    try {
+        return prepare(*pdf, request, false);
+    } catch (...) {
+        return VARNPDF_CAN_NOT_LOAD_PDF_FILE;
+    }
 }
 
 // The prepared bytes are the old ones and the update without the room of the value. A document that is given up may
@@ -115,6 +119,7 @@ int CPdfSign::prepare(CPdf& pdf, const SigningRequest& request, bool takeContent
     prepared_.reset(bytes);
     preparedLength_ = static_cast<std::uint32_t>(length);
     contentsOffset_ = static_cast<std::uint32_t>(preparation.roomBegin());
+    logDebug(m_logger, "Ende Dummysign");
     return VARNPDF_OK;
 }
 
@@ -140,6 +145,9 @@ void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char
 int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize) {
     logDebug(m_logger, "entering CPdfSign::SaveSignature");
     if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
+    OutputFile file(pcSignedFile);
+    if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
+    logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
     char* value = nullptr;
     std::uint32_t length = 0;
     try {
@@ -148,9 +156,6 @@ int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int
         return VARNPDF_SAVE_FAILED;
     }
     const std::unique_ptr<char[]> content(value);
-    OutputFile file(pcSignedFile);
-    if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
-    logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
     file.write(viewOf(prepared_.get(), contentsOffset_));
     file.write({content.get(), length});
     file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));

@@ -1,6 +1,5 @@
 // CPdf: widget, signature dictionary and appearance of a signature, written into the update.
-#include <algorithm>
-#include <limits>
+#include <unordered_set>
 
 #include "signing/Appearance.h"
 #include "support/Log.h"
@@ -33,8 +32,9 @@ std::string latin1(const char* utf8) {
 // The first number from the start on that no existing field has.
 int freeFieldNumber(int start, const std::vector<std::string>& names, const ClassLogger& logger) {
     constexpr int kReported = 50;
+    const std::unordered_set<std::string_view> taken(names.begin(), names.end());
     int number = start;
-    while (std::find(names.begin(), names.end(), text("(Unterschrift", number, ")")) != names.end()) ++number;
+    while (taken.contains(text("(Unterschrift", number, ")"))) ++number;
     if (number - start > kReported) logDebug(logger, "Wert für UnterschriftXXX lautet: ", number);
     return number;
 }

@@ -5,12 +5,14 @@
 #include <cstring>
 #include <fstream>
 #include <limits>
+#include <memory>
 
 #include "model/DictionaryEntry.h"
 #include "model/ObjectTable.h"
 #include "reader/SectionText.h"
 #include "signing/Image.h"
 #include "support/ResultText.h"
+#include "syntax/Reference.h"
 #include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/result.h"
@@ -47,9 +49,7 @@ int Preparation::run() {
     writeLocks();
     updateCatalogue();
     if (const int code = writeObjects(); code != VARNPDF_OK) return code;
-    if (const int code = fillByteRange(); code != VARNPDF_OK) return code;
-    logDebug(logger_, "Ende Dummysign");
-    return VARNPDF_OK;
+    return fillByteRange();
 }
 
 int Preparation::checkTexts() {
@@ -67,8 +67,9 @@ int Preparation::checkTexts() {
 }
 
 int Preparation::examineImage() {
-    if (!request_.useImage || !request_.visible() || request_.imageFile == nullptr) return VARNPDF_OK;
-    const auto image = loadPng(request_.imageFile, !request_.skipImageCheck, logger_);
+    const bool wanted = request_.useImage && request_.visible() && request_.imageFile != nullptr;
+    if (!wanted || request_.skipImageCheck) return VARNPDF_OK;
+    const auto image = loadPng(request_.imageFile, true, logger_);
     if (!image) {
         logError(logger_, logtext::IMAGE_UNREADABLE);
         return VARNPDF_IMAGE_UNREADABLE;
@@ -106,7 +107,9 @@ int Preparation::openTrailer() {
 int Preparation::findPage() {
     CPdfObj* const root = pdf_.referencedObject(entryValue(catalogue_->content(), "/Pages"));
     if (root == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
-    const auto count = entryInt(root->content(), "/Count");
+    const std::string_view value = entryValue(root->content(), "/Count");
+    const auto reference = isReference2(value);
+    const auto count = reference ? pdf_.referencedNumber(reference->number) : Cursor(value).takeInt();
     if (!count) return VARNPDF_PAGE_COUNT_MISSING;
     if (*count <= 0) return VARNPDF_NO_PAGE;
     const int index = request_.page < 0 || request_.page >= *count ? *count - 1 : request_.page;
@@ -159,7 +162,10 @@ void Preparation::reserve() {
     if (request_.visible()) next = std::max(next, numbers_.widget + kVisibleBudget);
     for (int number = numbers_.annots; number < next; ++number) {
         if (pdf_.get_pdf_obj_from_map(number) != nullptr) continue;
-        pdf_.set_pdf_obj_to_map(number, new CPdfObj(number, 0, -1, -1));
+        auto object = std::make_unique<CPdfObj>(number, 0, -1, -1);
+        pdf_.set_pdf_obj_to_map(number, object.get());
+        // A table that is full takes no more, and the object stays ours.
+        if (pdf_.get_pdf_obj_from_map(number) == object.get()) static_cast<void>(object.release());
     }
     logReserved();
 }
@@ -250,7 +256,9 @@ int Preparation::closeSection(CPdfXRefContainer& xrefs) {
     const CPdfTrailer& last = *pdf_.GetLastTrailer();
     xrefs.SortXRefList();
     if (!last.GetIsCrossRefStream()) {
-        trailer.SetSize(std::max(trailer.GetSize(), numbers_.next));
+        // Numbers that were reserved for nothing do not count.
+        const CPdfXRef& highest = xrefs.GetXRef()[xrefs.GetXRefNum() - 1];
+        trailer.SetSize(std::max(trailer.GetSize(), highest.GetRefStart() + highest.GetRefNum()));
         pdf_.WriteTrailer(&xrefs, &trailer, true, true);
         return VARNPDF_OK;
     }

@@ -29,12 +29,25 @@ constexpr std::string_view kDifferences =
 
 constexpr const char* kDefaultAppearance = "(/Helv 0 Tf 0 g )";
 
-void replaceEntry(CPdfObj& object, const char* key, std::string value) {
-    object.ReplaceDictionaryEntry(key, value.data());
+// White space behind the old value stays. The value may hold NULs.
+void replaceEntry(CPdfObj& object, std::string_view key, std::string_view value) {
+    const std::string_view old = object.content();
+    const auto entry = findLaterEntry(old, key);
+    if (!entry) return;
+    const std::size_t end = entry->value.begin + entry->value.of(old).find_last_not_of(" \t\r\n\f\a") + 1;
+    object.setContent(text(old.substr(0, entry->key), key, ' ', value, old.substr(end)));
 }
 
 void addEntry(CPdfObj& object, const char* key, const std::string& value) {
     object.AddDictionaryEntry(key, value.c_str());
+}
+
+// Where annotations stand in their array themselves, "null" may be a word in a string or a value of theirs.
+std::string withAnnotation(std::string_view array, std::string_view item) {
+    const std::size_t close = array.rfind(']');
+    const bool onlyReferences = array.find_first_of("(<") == std::string_view::npos;
+    if (onlyReferences || close == std::string_view::npos) return appendToRefArray(array, item);
+    return text(array.substr(0, close), item, array.substr(close));
 }
 
 std::string referenceText(int number) { return text(number, " 0 R"); }
@@ -71,7 +84,7 @@ void Preparation::updateForm() {
     CPdfObj form;
     form.setContent(value);
     updateFormEntries(form);
-    replaceEntry(changed(*catalogue_), "/AcroForm", std::string(form.content()));
+    replaceEntry(changed(*catalogue_), "/AcroForm", form.content());
 }
 
 void Preparation::updateFormEntries(CPdfObj& form) {
@@ -172,7 +185,7 @@ void Preparation::updateAnnots() {
     }
     const std::string value(entry->value.of(page_->content()));
     if (value.starts_with('[')) {
-        replaceEntry(changed(*page_), "/Annots", appendToRefArray(value, item));
+        replaceEntry(changed(*page_), "/Annots", withAnnotation(value, item));
         return;
     }
     if (value.starts_with("null")) {
@@ -184,7 +197,7 @@ void Preparation::updateAnnots() {
     CPdfObj* const original = pdf_.referencedObject(value);
     if (original != nullptr && original->content().find('[') != std::string_view::npos) {
         CPdfObj& annots = changed(*original);
-        annots.setContent(appendToRefArray(annots.content(), item));
+        annots.setContent(withAnnotation(annots.content(), item));
         return;
     }
     logDebug(logger_, "Annot-Verweis nicht gefunden! Erstelle das Objekt neu");

@@ -28,9 +28,14 @@ void Preparation::updateInfo() {
     CPdfObj* const info = pdf_.referencedObject(pdf_.GetLastTrailer()->info());
     if (info == nullptr || request_.signDate == nullptr) return;
     // Only a literal string: the date goes between parentheses, and the next pair may belong to another entry.
-    if (!entryValue(info->content(), "/ModDate").starts_with('(')) return;
-    std::string edited(info->content());
-    if (replaceModDate(edited, request_.signDate)) changed(*info).setContent(edited);
+    const std::string_view text = info->content();
+    const auto entry = findLaterEntry(text, "/ModDate");
+    if (!entry || !entry->value.of(text).starts_with('(')) return;
+    // From the key on: a title may hold the word as well.
+    std::string edited(text.substr(entry->key));
+    if (replaceModDate(edited, request_.signDate)) {
+        changed(*info).setContent(varnpdf::text(text.substr(0, entry->key), edited));
+    }
 }
 
 int Preparation::updateMetadata() {

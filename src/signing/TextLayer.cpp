@@ -76,7 +76,7 @@ int automaticSize(int width, int height, const FormfieldInfo_tag* fields, const 
         const double needed = lineWidth(fields[i], lines[i]);
         if (fields[i].size <= 0 && needed > 0) most = std::min(most, (width - 2 * kMargin) / needed);
     }
-    return std::max(1, static_cast<int>(most));
+    return static_cast<int>(std::max(1.0, most));
 }
 
 std::string escaped(std::string_view line) {

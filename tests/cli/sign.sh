@@ -31,7 +31,9 @@ done <<'TABLE'
 Jörg Müßig~b:4af67267204dfcdf6967
 (Dr.) Ä~u:(Dr.) Ä
 x\~u:x\\
+a\(b\\c)~u:a\\(b\\\\c)
 TABLE
+run 2 'mark an encoding' sign in.pdf -o text.pdf "${me[@]}" --name 'þÿx'
 run 0 '' sign in.pdf -o text.pdf "${me[@]}"
 has 'the certificate names the signer' "$(printf 'J\xf6rg p256' | od -An -tx1 | tr -d '\n')" \
     "$(entry text.pdf Name | od -An -v -tx1 | tr -d '\n')"

@@ -128,9 +128,9 @@ TEST(Appearance, FormPaintsTheLayers) {
                   "/n2 Do Q\r\n")},
         {90, 1, true,
          form("40 100", "/KorvImg 17 0 R /n0 14 0 R /n1 15 0 R /n2 16 0 R /n3 14 0 R",
-              "q 40 0 0 100 40 0 cm\r\n0 1 -1 0 0 0 cm /KorvImg Do Q \r\n" + quarter +
-                  "/n0 Do Q\r\nq 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n1 Do Q\r\n" + quarter +
-                  "/n2 Do Q\r\nq 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n3 Do Q\r\n")},
+              "q 40 0 0 100 40 0 cm\r\n0 1 -1 0 0 0 cm /KorvImg Do Q \r\n"
+              "q 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n1 Do Q\r\n" +
+                  quarter + "/n2 Do Q\r\nq 0.40 0 0 0.40 40 0 cm\r\n0 1 -1 0 0 0 cm /n3 Do Q\r\n")},
     };
     for (const auto& row : rows) {
         Request request = kVisible;

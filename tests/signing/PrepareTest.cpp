@@ -96,7 +96,8 @@ TEST(Prepare, RefusedDocumentsLeaveThePreparedOne) {
         {small(), {.name = "x\xC0\xA9/Injected true"}, -1006},
         {small(), {.date = "D:2026)"}, -1006},
         {small(), {.width = 9, .height = 9, .image = "/nonexistent"}, -1083},
-        {document("", "", {sig, sig}), {}, -1034},
+        {small(), {.width = 9, .height = 9, .image = "/nonexistent", .skipImageCheck = true}, -1083},
+        {document("", "", {sig, sig}), {.width = 9, .height = 9, .image = "/x", .skipImageCheck = true}, -1034},
         {document("", "", {}, "/Encrypt << >>"), {}, -1021},
         {"nothing", {}, -1029},
         {document("/Metadata 4 0 R", "", {data + "3 >>\nstream\nabcd\nendstream"}), {}, -1009},
@@ -139,15 +140,19 @@ TEST(Prepare, RefusedDocumentsLeaveThePreparedOne) {
 }
 
 TEST(Prepare, PageIndex) {
-    const std::string two = PdfBuilder()
-                                .object(1, "<< /Type /Catalog /Pages 2 0 R >>")
-                                .object(2, "<< /Type /Pages /Kids [3 0 R 4 0 R] /Count 2 >>")
-                                .object(3, "<< /Type /Page /Parent 2 0 R >>")
-                                .object(4, "<< /Type /Page /Parent 2 0 R >>")
-                                .table()
-                                .bytes();
+    const auto twoPages = [](const char* count) {
+        return PdfBuilder()
+            .object(1, "<< /Type /Catalog /Pages 2 0 R >>")
+            .object(2, "<< /Type /Pages /Kids [3 0 R 4 0 R] /Count "s + count + " >>")
+            .object(3, "<< /Type /Page /Parent 2 0 R >>")
+            .object(4, "<< /Type /Page /Parent 2 0 R >>")
+            .object(5, "2")
+            .table()
+            .bytes();
+    };
     for (const auto& [index, page] : {std::pair{0, "/P 3 0 R"}, {1, "/P 4 0 R"}, {2, "/P 4 0 R"}, {-1, "/P 4 0 R"}}) {
-        EXPECT_TRUE(holds(signedFile(two, {.page = index}), page)) << index;
+        EXPECT_TRUE(holds(signedFile(twoPages("2"), {.page = index}), page)) << index;
+        EXPECT_TRUE(holds(signedFile(twoPages("5 0 R"), {.page = index}), page)) << index;
     }
 }
 
@@ -233,11 +238,38 @@ TEST(Prepare, CatalogueAndAnnotations) {
     }
 }
 
+// Strings of direct objects may hold NULs, and words that mean something elsewhere.
+TEST(Prepare, DirectObjectsKeepTheirBytes) {
+    const std::string annotation = "<< /Contents (\xFE\xFF\0H null) /A null /B 1 >>"s;
+    OpenedPdf page(signedFile(document("", "/Annots [ " + annotation + " ] /B 2", {"[ " + annotation + " ]"})));
+    EXPECT_TRUE(holds(page.body(3), "/Annots [ " + annotation + "  11 0 R] /B 2")) << page.body(3);
+    OpenedPdf array(signedFile(document("", "/Annots 4 0 R", {"[ " + annotation + " ]"})));
+    EXPECT_EQ(array.body(4), "[ " + annotation + "  11 0 R]");
+    const std::string form = " /DR << >> /DA (\0x) /SigFlags 3\r\n>>"s;
+    OpenedPdf direct(signedFile(document("/AcroForm << /Fields []" + form)));
+    EXPECT_TRUE(holds(direct.body(1), "/Fields [ 5 0 R]" + form)) << direct.body(1);
+}
+
+// The highest number that is written, not the highest that was reserved (ISO 32000-2 table 15).
+TEST(Prepare, SizeFollowsTheHighestNumber) {
+    for (const int width : {0, 50}) {
+        for (const int layers : {0, 1}) {
+            const std::string file = signedFile(small(), {.width = width, .height = 20, .layers = layers});
+            const std::string numbers = listedNumbers(file);
+            const std::size_t last = numbers.rfind(' ', numbers.size() - 2) + 1;
+            const int highest = std::stoi(numbers.substr(last));
+            EXPECT_TRUE(holds(file.substr(file.rfind("trailer")), "/Size " + std::to_string(highest + 1) + "\r\n"))
+                << numbers;
+        }
+    }
+}
+
 TEST(Prepare, ModificationDates) {
     const auto info = [](const char* entry) {
         return signedFile(document("", "", {"<< /Producer (p) "s + entry + " >>"}, "/Info 4 0 R"));
     };
     EXPECT_TRUE(holds(OpenedPdf(info("/ModDate (D:1999)")).body(4), "/ModDate (D:20260102030405+01'00')"));
+    EXPECT_TRUE(holds(OpenedPdf(info("/T (ModDate) /ModDate (D:1999)")).body(4), "(ModDate) /ModDate (D:20260102"));
     EXPECT_EQ(listedNumbers(info("")), listedNumbers(info("/ModDate <44>")));
     EXPECT_FALSE(listedNumbers(info("")).starts_with("1 3 4 "));
 
@@ -351,10 +383,12 @@ TEST(Prepare, StreamDocumentsAreClosedByOne) {
     EXPECT_TRUE(file.ends_with("startxref\r\n" + std::to_string(section) + "\r\n%%EOF\r\n"));
     EXPECT_EQ(opened.pdf.get_pdf_obj_from_map(14)->GetFromPos(), static_cast<int>(section));
     LogCapture log("VarnPDF.CPdfSign");
-    signedFile(old);
+    CPdfSign sign;
+    prepare(sign, old, {});
     EXPECT_TRUE(log.has("xrefStream!") && log.has("Stream gepackt") &&
                 log.has("ID des Dokuments ist leer, setze [] ein."));
     EXPECT_EQ(log.messages().front(), "entering CPdfSign::DummySign");
+    EXPECT_EQ(log.messages().back(), "Ende Dummysign");
 }
 
 }  // namespace
