@@ -101,7 +101,6 @@ private:
     struct FreeBytes {
         void operator()(unsigned char* bytes) const noexcept;
     };
-    int save(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize);
     int prepare(CPdf& pdf, const varnpdf::SigningRequest& request, bool takeContent);
 
     bool etsiSubFilter_ = true;

@@ -139,27 +139,22 @@ void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char
 }
 
 int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize) {
-    try {
-        return save(pcSignedFile, sig, sigLen, contentsSize);
-    } catch (...) {
-        return VARNPDF_SAVE_FAILED;
-    }
-}
-
-int CPdfSign::save(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize) {
-    logDebug(m_logger, "entering CPdfSign::SaveSignature");
-    if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
-    char* value = nullptr;
-    std::uint32_t length = 0;
-    buildSignContent(&value, &length, sig, sigLen, contentsSize);
-    const std::unique_ptr<char[]> content(value);
-    OutputFile file(pcSignedFile);
-    if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
-    logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
-    file.write(viewOf(prepared_.get(), contentsOffset_));
-    file.write({content.get(), length});
-    file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));
-    const int code = file.close() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
-    logDebug(m_logger, "leaving CPdfSign::SaveSignature: ", code);
-    return code;
+    const auto save = [&]() -> int {
+        logDebug(m_logger, "entering CPdfSign::SaveSignature");
+        if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
+        char* value = nullptr;
+        std::uint32_t length = 0;
+        buildSignContent(&value, &length, sig, sigLen, contentsSize);
+        const std::unique_ptr<char[]> content(value);
+        OutputFile file(pcSignedFile);
+        if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
+        logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
+        file.write(viewOf(prepared_.get(), contentsOffset_));
+        file.write({content.get(), length});
+        file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));
+        const int code = file.close() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
+        logDebug(m_logger, "leaving CPdfSign::SaveSignature: ", code);
+        return code;
+    };
+    return guarded(save, VARNPDF_SAVE_FAILED);
 }
