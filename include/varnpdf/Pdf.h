@@ -58,7 +58,8 @@ public:
     int Reopen(char* mode);
     /// Loads a document from memory; the bytes are copied. No check of the document is made: use `Open` for files from
     /// outside. `release` has no effect: a document that already holds content takes no other.
-    /// @return 0, or -1 when `data` is null, `len` is 0 or content is already held
+    /// @return 0, -1 when `data` is null, `len` is 0 or content is already held, or VARNPDF_PDF_MEMORY_ALLOCATION
+    ///         (-1014)
     int ParseContent(unsigned char* data, unsigned int len, bool release);
     /// Header, "startxref" and cross-reference keyword are where a PDF has them. Stores the version. `content` is the
     /// NUL-terminated content of this document.
@@ -176,7 +177,8 @@ public:
 
     // --- signatures ------------------------------------------------------------------------------------------------
     // A null buffer asks for the size; a second call with a buffer of that size and the length holding it fetches the
-    // value. Signature indexes count from 0 in ascending order of the fields' object numbers.
+    // value. Signature indexes count from 0 in ascending order of the fields' object numbers. Where a result is a code,
+    // a lack of memory is VARNPDF_PDF_MEMORY_ALLOCATION (-1014).
 
     /// Counts the signed signature fields and refills the register.
     int PdfGetNumSignatures();
@@ -206,7 +208,7 @@ public:
     /// twice as many characters.
     /// @return 0, -1, -22 or VARNPDF_PKCS1_UNREADABLE (-117)
     int GetSignPKCS1(int index, unsigned char* buffer, unsigned int* length);
-    /// The same value as bytes.
+    /// The same value as bytes; `*length` becomes the size. A length below it is refused with -117.
     int GetSignaturePKCS1(int index, unsigned char* buffer, unsigned long* length);
     /// Text of one certificate of /Cert, terminated: hexadecimal digits (the size counts bytes, half as many) or the
     /// value as it stands. The buffer holds 2 * size + 2 bytes.

@@ -90,6 +90,7 @@ public:
     char* get_dictionary_subtype();
 
     /// Takes a copy of `len` bytes of text. Null or a length below 1 removes the text and leaves the recorded length.
+    /// Without memory for the copy the object keeps the text it has.
     void SetContent(unsigned char* text, int len);
     /// `SetContent` with a debug line.
     void SetContentDummy(unsigned char* text, int len);

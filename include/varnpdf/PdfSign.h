@@ -59,7 +59,7 @@ public:
                     char* reason, char* location, char* name, char* signDate, unsigned int contentsSize,
                     bool reservedFlag, int appearanceOption2, int useImage, char* imageFile, FormfieldInfo_tag* fields,
                     int fieldCount, int lock, bool skipImageCheck);
-    /// Loads the bytes and calls `SignPDF`; prepares nothing in this release. Returns 0.
+    /// Loads the bytes and calls `SignPDF`; prepares nothing in this release. 0, or -1014 without memory.
     int SignPDFStream(unsigned char* pdfData, unsigned int pdfLen, int page, int posMode, int x, int y, int width,
                       int height, int appearanceOption1, char* reason, char* location, char* name, char* signDate,
                       unsigned int contentsSize, bool reservedFlag, int appearanceOption2, int useImage,
@@ -69,7 +69,7 @@ public:
                 char* reason, char* location, char* name, char* signDate, unsigned int contentsSize, bool reservedFlag,
                 int appearanceOption2, int useImage, char* imageFile, FormfieldInfo_tag* fields, int fieldCount,
                 int lock);
-    /// The preparation of an opened document; parameters and results as `SignPDFFile`.
+    /// The preparation of an opened document; parameters and results as `SignPDFFile`, and -1014 without memory.
     int DummySign(CPdf* pdf, int page, int posMode, int x, int y, int width, int height, int appearanceOption1,
                   char* reason, char* location, char* name, char* signDate, unsigned int contentsSize,
                   bool reservedFlag, int appearanceOption2, int useImage, char* imageFile, FormfieldInfo_tag* fields,

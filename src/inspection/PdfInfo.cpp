@@ -53,10 +53,10 @@ int CPdfInfo::GetNumSignature(char* file) {
 int CPdfInfo::GetSignatureField(char const* file, int index, int tag, char* buffer, int* length) {
     return guarded([=]() -> int {
         CPdf pdf;
-        const int code = pdf.Open(file, "rb");
+        if (const int code = pdf.Open(file, "rb"); code != VARNPDF_OK) return code;
         // What became of the value shows in its length; hosts rely on the 0.
-        if (code == VARNPDF_OK) pdf.GetSignatureField(index, tag, buffer, length);
-        return code;
+        const int code = pdf.GetSignatureField(index, tag, buffer, length);
+        return code == VARNPDF_PDF_MEMORY_ALLOCATION ? code : VARNPDF_OK;
     });
 }
 

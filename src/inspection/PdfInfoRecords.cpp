@@ -5,6 +5,7 @@
 #include <array>
 #include <ctime>
 #include <memory>
+#include <new>
 #include <optional>
 
 #include "inspection/FieldReader.h"
@@ -108,7 +109,8 @@ Values readValues(CPdf& pdf, int index, const ClassLogger& logger) {
         const TagLog& log = kTagLogs[static_cast<std::size_t>(tag)];
         std::string& value = values[static_cast<std::size_t>(tag)];
         if (*log.label != '\0') logDebug(logger, log.label);
-        reader.read(index, tag, value);
+        // What is not there is empty; what could not be read must not be kept as empty.
+        if (reader.read(index, tag, value) == VARNPDF_PDF_MEMORY_ALLOCATION) throw std::bad_alloc();
         logDebug(logger, log.line, value.size());
         if (tag == kName) std::erase(value, '\\');
         if (tag == kCert) value = toHex(value);

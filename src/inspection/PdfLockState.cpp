@@ -7,6 +7,7 @@
 #include "model/ObjectTable.h"
 #include "support/Log.h"
 #include "syntax/Reference.h"
+#include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 
 using namespace varnpdf;
@@ -14,8 +15,6 @@ using namespace varnpdf;
 namespace {
 
 enum class TransformMethod { None, DocMdp, Ur3, FieldMdp };
-
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
 // The order of the tests decides for values that name several methods.
 TransformMethod transformMethod(std::string_view value) {

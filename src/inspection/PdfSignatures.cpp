@@ -8,7 +8,9 @@
 #include "model/DictionaryEntry.h"
 #include "model/ObjectList.h"
 #include "model/ObjectTable.h"
+#include "support/Guarded.h"
 #include "support/Log.h"
+#include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/result.h"
 
@@ -25,21 +27,6 @@ constexpr std::array<const char*, 14> kTagKeys = {"",        "/Reason",    "/Loc
                                                   "/Cert",   "/Type",      "/R",         "/ContactInfo"};
 
 enum Tag : int { kByteRange = 7, kContents = 8, kCert = 10 };
-
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != kNone; }
-
-void trimLeft(std::string& value, std::string_view set) {
-    value.erase(0, std::min(value.find_first_not_of(set), value.size()));
-}
-
-// An escaped parenthesis at the end belongs to the string.
-void trimRight(std::string& value, std::string_view set) {
-    while (!value.empty() && contains(set, std::string_view(&value.back(), 1))) {
-        const bool parenthesis = value.back() == '(' || value.back() == ')';
-        if (parenthesis && value.size() > 1 && value[value.size() - 2] == '\\') return;
-        value.pop_back();
-    }
-}
 
 unsigned char hexPair(std::string_view pair) {
     unsigned value = 0;
@@ -158,13 +145,12 @@ int CPdf::readSignatureValue(int index, int tag, std::string& value) {
     const CPdfObj* const dictionary = isReference ? objects_->find(id.GetObjNum()) : nullptr;
     if (dictionary == nullptr) return VARNPDF_NO_SIGNATURE_VALUE;
 
-    value = entryValue(dictionary->content(), kTagKeys[static_cast<std::size_t>(tag)]);
-    trimLeft(value, "(\t\a\r\n ");
-    trimRight(value, ")\t\a\r\n ");
-    if (tag == kContents) {
-        trimLeft(value, "<");
-        trimRight(value, ">");
-    } else if (tag != kCert) {
+    std::string_view text = entryValue(dictionary->content(), kTagKeys[static_cast<std::size_t>(tag)]);
+    // An escaped parenthesis at the end belongs to the string.
+    text = trimRightUnescaped(trimLeft(text, "(\t\a\r\n "), ")\t\a\r\n ");
+    if (tag == kContents) text = trimRightUnescaped(trimLeft(text, "<"), ">");
+    value = text;
+    if (tag != kContents && tag != kCert) {
         decodeHexString(value);
         narrowWideText(value);
     }
@@ -174,18 +160,20 @@ int CPdf::readSignatureValue(int index, int tag, std::string& value) {
 int CPdf::GetSignatureField(int index, int tag, char* buffer, int* length) {
     if (buffer != nullptr) *buffer = '\0';
     if (length != nullptr) *length = 0;
-    std::string value;
-    const int code = readSignatureValue(index, tag, value);
-    if (code != VARNPDF_OK) return code;
-    // A dictionary unpacked from an object stream can hold a value that is longer than the file.
-    if (value.size() >= contentLen_) {
-        logError(m_logger, " value: Laenge ", value.size(), " groesser als das Dokument");
-        return VARNPDF_NO_SIGNATURE_VALUE;
-    }
-    if (buffer != nullptr) std::memcpy(buffer, value.c_str(), value.size() + 1);
-    if (length != nullptr) *length = static_cast<int>(value.size());
-    logDebug(m_logger, " value: |", value, "|");
-    return VARNPDF_OK;
+    return guarded([&]() -> int {
+        std::string value;
+        const int code = readSignatureValue(index, tag, value);
+        if (code != VARNPDF_OK) return code;
+        // A dictionary unpacked from an object stream can hold a value that is longer than the file.
+        if (value.size() >= contentLen_) {
+            logError(m_logger, " value: Laenge ", value.size(), " groesser als das Dokument");
+            return VARNPDF_NO_SIGNATURE_VALUE;
+        }
+        if (buffer != nullptr) std::memcpy(buffer, value.c_str(), value.size() + 1);
+        if (length != nullptr) *length = static_cast<int>(value.size());
+        logDebug(m_logger, " value: |", value, "|");
+        return VARNPDF_OK;
+    });
 }
 
 int CPdf::readByteRange(int index, ByteRange& range) {

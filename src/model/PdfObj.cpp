@@ -125,8 +125,12 @@ char* CPdfObj::get_dictionary_subtype() {
 
 void CPdfObj::SetContent(unsigned char* text, int len) {
     const bool none = text == nullptr || len <= 0;
-    setContent(none ? std::string_view{}
-                    : std::string_view(reinterpret_cast<const char*>(text), static_cast<std::size_t>(len)));
+    try {
+        setContent(none ? std::string_view{}
+                        : std::string_view(reinterpret_cast<const char*>(text), static_cast<std::size_t>(len)));
+    } catch (...) {
+        logError(m_logger, "SetContent: kein Speicher, Laenge: ", len);
+    }
 }
 
 void CPdfObj::SetContentDummy(unsigned char* text, int len) {

@@ -3,6 +3,7 @@
 
 #include "support/Log.h"
 #include "syntax/Cursor.h"
+#include "syntax/Text.h"
 #include "varnpdf/PdfObj.h"
 
 using namespace varnpdf;
@@ -11,8 +12,6 @@ namespace {
 
 constexpr std::string_view kEndObj = "endobj";
 constexpr std::size_t kNone = std::string_view::npos;
-
-std::string_view viewOf(const char* text) { return text == nullptr ? std::string_view{} : text; }
 
 // "%d %d", or "%s %d %d" with a word in front.
 bool takeTwoInts(std::string_view text, int& first, int& second) {
@@ -40,6 +39,25 @@ std::size_t dataBegin(std::string_view text, std::size_t at) {
         while (at < text.size() && text[at] == '\r') ++at;
     }
     return at;
+}
+
+struct LengthEntry {
+    std::size_t key;
+    TextSpan value;
+    std::optional<int> number;
+};
+
+// The next /Length with white space behind it: /Length1 of an embedded font program is another key.
+std::optional<LengthEntry> nextLength(std::string_view text, std::size_t from) {
+    constexpr std::string_view kLength = "/Length";
+    for (std::size_t key = text.find(kLength, from); key != kNone; key = text.find(kLength, key + 1)) {
+        Cursor value(text, key + kLength.size());
+        if (value.skip(kIsCSpace) == 0) continue;
+        const std::size_t begin = value.at();
+        const auto number = value.takeInt();
+        return LengthEntry{key, {begin, value.at()}, number};
+    }
+    return std::nullopt;
 }
 
 // Walks the states of the classification; each is announced before it is entered.
@@ -97,27 +115,22 @@ void CPdfObj::AddStream(char* data, int len) {
 }
 
 void CPdfObj::UpdateLengthTag() {
-    constexpr std::string_view kLength = "/Length";
     const std::string_view old = content();
     const std::size_t stream = old.find("stream");
-    const std::size_t key = old.find(kLength);
-    if (stream == kNone || key == kNone || key > stream) return;
+    const auto first = nextLength(old, 0);
+    if (stream == kNone || !first || first->key > stream || !first->number) return;
     const std::size_t begin = dataBegin(old, stream + 6);
     const std::size_t end = old.find("endstream", stream + 6);
-    const auto oldValue = Cursor(old, key + kLength.size()).takeInt();
-    if (end == kNone || !oldValue) return;
+    if (end == kNone) return;
     const std::size_t length = end > begin ? end - begin - 1 : 0;
 
     // One pass over the dictionary: what has been written is not searched again.
     std::string built;
     std::size_t copied = 0;
-    for (std::size_t at = key; at < stream; at = old.find(kLength, at + 1)) {
-        Cursor value(old, at + kLength.size());
-        value.skip(kIsCSpace);
-        const std::size_t digits = value.at();
-        if (value.takeInt() != oldValue) continue;
-        append(built, old.substr(copied, digits - copied), length);
-        copied = value.at();
+    for (auto entry = first; entry && entry->key < stream; entry = nextLength(old, entry->key + 1)) {
+        if (entry->number != first->number) continue;
+        append(built, old.substr(copied, entry->value.begin - copied), length);
+        copied = entry->value.end;
     }
     append(built, old.substr(copied));
     setContent(built);

@@ -4,6 +4,7 @@
 
 #include "model/DictionaryEntry.h"
 #include "support/Text.h"
+#include "syntax/Text.h"
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/result.h"
 
@@ -30,8 +31,6 @@ std::optional<DictionaryEntry> endWithValue(std::string_view text, std::optional
     entry->end = entry->value.end;
     return entry;
 }
-
-std::string_view viewOf(const char* text) { return text == nullptr ? std::string_view{} : text; }
 
 }  // namespace
 

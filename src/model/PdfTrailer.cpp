@@ -9,6 +9,7 @@
 #include "model/IndexPairs.h"
 #include "support/Log.h"
 #include "syntax/Cursor.h"
+#include "syntax/Reference.h"
 
 using namespace varnpdf;
 
@@ -19,17 +20,11 @@ namespace {
 constexpr std::string_view kHexDigitsUpper = "0123456789ABCDEF";
 constexpr std::string_view kBlank = " \n\r\t";
 
-std::string_view trimBlank(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(kBlank);
-    if (begin == std::string_view::npos) return {};
-    return text.substr(begin, text.find_last_not_of(kBlank) + 1 - begin);
-}
-
 std::string_view insideArray(std::string_view text) {
-    text = trimBlank(text);
+    text = trim(text, kBlank);
     if (text.starts_with('[')) text.remove_prefix(1);
     if (text.ends_with(']')) text.remove_suffix(1);
-    return trimBlank(text);
+    return trim(text, kBlank);
 }
 
 char randomDigit() { return kHexDigitsUpper[static_cast<std::size_t>(std::rand()) % 16]; }

@@ -4,13 +4,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <new>
 
 #include "model/DictionaryEntry.h"
 #include "model/ObjectTable.h"
 #include "reader/KeywordSearch.h"
 #include "reader/PageTree.h"
 #include "reader/SectionText.h"
+#include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "support/ResultText.h"
@@ -169,15 +169,17 @@ CPdfObj* CPdf::referencedObject(std::string_view value) {
 int CPdf::ParseContent(unsigned char* data, unsigned int len, bool /*release*/) {
     constexpr unsigned int kMost = std::numeric_limits<int>::max();  // offsets are int
     if (data == nullptr || len == 0 || len > kMost || content_) return -1;
-    content_.reset(static_cast<unsigned char*>(std::malloc(std::size_t{len} + 1)));
-    if (!content_) throw std::bad_alloc();
-    std::memcpy(content_.get(), data, len);
-    content_[len] = 0;
-    contentLen_ = len;
-    output_.init(len);
-    RetrieveLastPdfTrailer();
-    RetrieveObjects();
-    return 0;
+    return guarded([&]() -> int {
+        content_.reset(static_cast<unsigned char*>(std::malloc(std::size_t{len} + 1)));
+        if (!content_) return VARNPDF_PDF_MEMORY_ALLOCATION;
+        std::memcpy(content_.get(), data, len);
+        content_[len] = 0;
+        contentLen_ = len;
+        output_.init(len);
+        RetrieveLastPdfTrailer();
+        RetrieveObjects();
+        return VARNPDF_OK;
+    });
 }
 
 bool CPdf::IsPDF(char* content) {

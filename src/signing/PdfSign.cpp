@@ -8,6 +8,7 @@
 #include <string>
 
 #include "signing/Preparation.h"
+#include "support/Guarded.h"
 #include "support/Log.h"
 #include "support/OutputFile.h"
 #include "varnpdf/result.h"
@@ -64,11 +65,14 @@ int CPdfSign::SignPDFStream(unsigned char* pdfData, unsigned int pdfLen, int pag
                             int height, int appearanceOption1, char* reason, char* location, char* name, char* signDate,
                             unsigned int contentsSize, bool reservedFlag, int appearanceOption2, int useImage,
                             char* imageFile, FormfieldInfo_tag* fields, int fieldCount, int lock) {
-    CPdf pdf;
-    pdf.ParseContent(pdfData, pdfLen, true);
-    pdf.setUserETSISubFilter(etsiSubFilter_);
-    return SignPDF(&pdf, page, posMode, x, y, width, height, appearanceOption1, reason, location, name, signDate,
-                   contentsSize, reservedFlag, appearanceOption2, useImage, imageFile, fields, fieldCount, lock);
+    return guarded([&]() -> int {
+        CPdf pdf;
+        const int code = pdf.ParseContent(pdfData, pdfLen, true);
+        if (code == VARNPDF_PDF_MEMORY_ALLOCATION) return code;
+        pdf.setUserETSISubFilter(etsiSubFilter_);
+        return SignPDF(&pdf, page, posMode, x, y, width, height, appearanceOption1, reason, location, name, signDate,
+                       contentsSize, reservedFlag, appearanceOption2, useImage, imageFile, fields, fieldCount, lock);
+    });
 }
 
 int CPdfSign::SignPDF(CPdf* /*pdf*/, int /*page*/, int /*posMode*/, int /*x*/, int /*y*/, int /*width*/, int /*height*/,
@@ -87,11 +91,7 @@ int CPdfSign::DummySign(CPdf* pdf, int page, int posMode, int x, int y, int widt
     const SigningRequest request{page,      posMode, {x, y},     {width, height}, appearanceOption1,      reason,
                                  location,  name,    signDate,   contentsSize,    appearanceOption2 != 0, useImage != 0,
                                  imageFile, fields,  fieldCount, lock > 0,        skipImageCheck};
-    try {
-        return prepare(*pdf, request, false);
-    } catch (...) {
-        return VARNPDF_CAN_NOT_LOAD_PDF_FILE;
-    }
+    return guarded([&] { return prepare(*pdf, request, false); });
 }
 
 // The prepared bytes are the old ones and the update without the room of the value. A document that is given up may
@@ -143,23 +143,22 @@ void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char
 }
 
 int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize) {
-    logDebug(m_logger, "entering CPdfSign::SaveSignature");
-    if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
-    OutputFile file(pcSignedFile);
-    if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
-    logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
-    char* value = nullptr;
-    std::uint32_t length = 0;
-    try {
+    const auto save = [&]() -> int {
+        logDebug(m_logger, "entering CPdfSign::SaveSignature");
+        if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
+        char* value = nullptr;
+        std::uint32_t length = 0;
         buildSignContent(&value, &length, sig, sigLen, contentsSize);
-    } catch (const std::bad_alloc&) {
-        return VARNPDF_SAVE_FAILED;
-    }
-    const std::unique_ptr<char[]> content(value);
-    file.write(viewOf(prepared_.get(), contentsOffset_));
-    file.write({content.get(), length});
-    file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));
-    const int code = file.close() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
-    logDebug(m_logger, "leaving CPdfSign::SaveSignature: ", code);
-    return code;
+        const std::unique_ptr<char[]> content(value);
+        OutputFile file(pcSignedFile);
+        if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
+        logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
+        file.write(viewOf(prepared_.get(), contentsOffset_));
+        file.write({content.get(), length});
+        file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));
+        const int code = file.close() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
+        logDebug(m_logger, "leaving CPdfSign::SaveSignature: ", code);
+        return code;
+    };
+    return guarded(save, VARNPDF_SAVE_FAILED);
 }

@@ -4,6 +4,7 @@
 #include "signing/Appearance.h"
 #include "support/Log.h"
 #include "syntax/Dates.h"
+#include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfLockInfo.h"
@@ -18,8 +19,6 @@ namespace {
 
 constexpr std::string_view kVersion = "2.10.0.0";
 constexpr std::size_t kByteRangeRoom = 30;
-
-std::string_view viewOf(const char* text) { return text == nullptr ? std::string_view{} : text; }
 
 std::string latin1(const char* utf8) {
     std::string in(viewOf(utf8));

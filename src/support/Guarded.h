@@ -5,13 +5,13 @@
 
 namespace varnpdf {
 
-/// The result of `work`; what it throws is a lack of memory.
+/// The result of `work`. What it throws is a lack of memory, for which `code` is returned.
 template <typename Work>
-int guarded(Work work) noexcept {
+int guarded(Work work, int code = VARNPDF_PDF_MEMORY_ALLOCATION) noexcept {
     try {
         return work();
     } catch (...) {
-        return VARNPDF_PDF_MEMORY_ALLOCATION;
+        return code;
     }
 }
 

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "syntax/Dates.h"
+#include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"
 
 using namespace varnpdf;
@@ -9,8 +10,6 @@ using namespace varnpdf;
 namespace {
 
 constexpr int kSpare = 57;  // free bytes behind a text whose date is replaced
-
-std::string_view viewOf(const char* text) { return text == nullptr ? std::string_view{} : text; }
 
 char* copyOut(const std::string& text, char* out) {
     if (out != nullptr) std::memcpy(out, text.c_str(), text.size() + 1);

@@ -1,4 +1,4 @@
-// Trimming, replacing, hexadecimal, UTF-8 and escapes on views.
+// Searching, trimming, replacing, hexadecimal, UTF-8 and escapes on views.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +7,13 @@
 #include <string_view>
 
 namespace varnpdf {
+
+/// The text of a C string, empty for null.
+inline std::string_view viewOf(const char* text) noexcept { return text == nullptr ? std::string_view{} : text; }
+/// `part` occurs in `text`.
+inline bool contains(std::string_view text, std::string_view part) noexcept {
+    return text.find(part) != std::string_view::npos;
+}
 
 /// Text without leading bytes of `set`, but with no more than half of it (rounded up) removed.
 std::string_view trimLeftHalf(std::string_view text, std::string_view set) noexcept;

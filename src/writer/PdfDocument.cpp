@@ -11,14 +11,13 @@
 #include "reader/KeywordSearch.h"
 #include "support/Log.h"
 #include "support/OutputFile.h"
+#include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 #include "writer/RefArray.h"
 
 using namespace varnpdf;
 
 namespace {
-
-std::string_view viewOf(const char* text) { return text == nullptr ? std::string_view{} : text; }
 
 std::string_view viewOf(const char* bytes, int len) {
     if (bytes == nullptr || len <= 0) return {};

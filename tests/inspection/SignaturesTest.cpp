@@ -267,6 +267,7 @@ TEST(Signatures, Pkcs1Value) {
         {"<0480000000000000>", 0, "0480"},
         {"<0401051122334455000000>", 0, "0401051122334455"},  // a short length is read as a count of length bytes
         {"<041200031122330000>", 0, "04120003112233"},        // of which the low four bits count
+        {"<0482\r000401020304ff00>", 0, "0482000401020304"},  // as pretty printers break lines
         {"<3003020101000000>", -117, ""},
         {"<>", -117, ""},
     };
@@ -276,6 +277,14 @@ TEST(Signatures, Pkcs1Value) {
         EXPECT_EQ(bytes.code, row.code) << row.contents;
         EXPECT_EQ(hex(bytes.bytes), row.value) << row.contents;
         EXPECT_EQ(fetch(opened.pdf, &CPdf::GetSignPKCS1, 0, 2), (Fetched{row.code, row.value})) << row.contents;
+    }
+    OpenedPdf opened(withContents("<0482000401020304ff>"));
+    for (const unsigned long room : {7UL, 8UL, 20UL}) {
+        unsigned char bytes[21] = "####################";
+        unsigned long length = room;
+        EXPECT_EQ(opened.pdf.GetSignaturePKCS1(0, bytes, &length), room < 8 ? -117 : 0) << room;
+        EXPECT_EQ(length, room < 8 ? 7UL : 8UL);
+        EXPECT_EQ(bytes[8], '#');
     }
 }
 

@@ -130,6 +130,10 @@ TEST(PdfObj, UpdateLengthTag) {
         {"<< /Length 1 >>\nstream\r\nabc\r\nendstream", "<< /Length 4 >>\nstream\r\nabc\r\nendstream"},
         {"<< /Length 1 >>\nstream\n\r\n\nabc\nendstream", "<< /Length 3 >>\nstream\n\r\n\nabc\nendstream"},
         {"<< /Length 7 0 R >>\nstream\nabc\nendstream", "<< /Length 3 0 R >>\nstream\nabc\nendstream"},
+        // Other keys begin like it.
+        {"<< /Length1 99 /Length 9 >>\nstream\nabc\nendstream", "<< /Length1 99 /Length 3 >>\nstream\nabc\nendstream"},
+        {"<< /Length 1 /Length1 1 /Length11 >>\nstream\nabc\nendstream",
+         "<< /Length 3 /Length1 1 /Length11 >>\nstream\nabc\nendstream"},
         // The new text contains the old one.
         {"<< /Length 1 >>\nstream\nabcdefghijkl\nendstream", "<< /Length 12 >>\nstream\nabcdefghijkl\nendstream"},
         {"<< /Length 1 /X /Length 1 >>\nstream\nabc\nendstream",
