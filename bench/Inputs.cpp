@@ -109,6 +109,26 @@ StreamPlace appendObjectStream(Document& document, int first, int last) {
     return place;
 }
 
+/// Page contents as a word processor writes them: they deflate to about a third.
+std::string pageText(int page) {
+    std::mt19937 random(static_cast<unsigned>(page));
+    std::string out = "BT /F1 11 Tf 72 770 Td 14 TL\n";
+    for (int line = 0; line < 50; ++line) {
+        out += "[(";
+        for (int i = 0; i < 70; ++i) out.push_back(i % 7 == 6 ? ' ' : static_cast<char>('a' + random() % 26));
+        out += ")] TJ T*\n";
+    }
+    return out + "ET\n";
+}
+
+std::string metadataText() {
+    return "<?xpacket begin=\"\xEF\xBB\xBF\" id=\"W5M0MpCehiHzreSzNTczkc9d\"?>\n<x:xmpmeta xmlns:x=\"adobe:ns:meta/\">\n"
+           "<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\">\n<rdf:Description rdf:about=\"\" "
+           "xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\">\n<xmp:CreateDate>2024-01-01T12:00:00Z</xmp:CreateDate>\n"
+           "<xmp:ModifyDate>2024-01-01T12:00:00Z</xmp:ModifyDate>\n</rdf:Description>\n</rdf:RDF>\n</x:xmpmeta>\n" +
+           std::string(2000, ' ') + "\n<?xpacket end=\"w\"?>";
+}
+
 std::string derValue() {
     constexpr std::size_t kBytes = 7000;  // a CMS value with a chain of certificates and a time stamp
     std::string digits = "<30821b58";     // SEQUENCE of 7000 bytes
@@ -255,6 +275,39 @@ Input Inputs::smallDocument() {
     for (int number = 1; number <= kObjects; ++number) builder.object(number, body(number));
     builder.stream(kObjects + 1, "", std::string(kContents, 'q'));
     return save("small", builder.table().bytes(), kObjects + 1);
+}
+
+Input Inputs::tenPages() {
+    constexpr int kPages = 10;
+    constexpr int kFirstPage = 5;  // behind catalogue, page tree, /Info and metadata
+    constexpr int kPerPage = 8;    // page, contents, two fonts, four links
+    test::PdfBuilder builder;
+    std::string kids;
+    for (int i = 0; i < kPages; ++i) kids += std::to_string(kFirstPage + i * kPerPage) + " 0 R ";
+    builder.object(1, "<< /Type /Catalog /Pages 2 0 R /Metadata 4 0 R /Lang (de-DE) /PageMode /UseNone >>");
+    builder.object(2, "<< /Type /Pages /Kids [" + kids + "] /Count " + std::to_string(kPages) + " >>");
+    builder.object(3, "<< /Title (Bericht) /CreationDate (D:20240101120000Z) /ModDate (D:20240101120000Z) >>");
+    builder.stream(4, "/Type /Metadata /Subtype /XML", metadataText());
+    for (int i = 0; i < kPages; ++i) {
+        const int page = kFirstPage + i * kPerPage;
+        const auto reference = [page](int offset) { return std::to_string(page + offset) + " 0 R"; };
+        builder.object(page, "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents " + reference(1) +
+                                 " /Resources << /ProcSet [/PDF /Text] /Font << /F1 " + reference(2) + " /F2 " +
+                                 reference(3) + " >> >> /Annots [" + reference(4) + " " + reference(5) + " " +
+                                 reference(6) + " " + reference(7) + "] >>");
+        builder.stream(page + 1, "/Filter /FlateDecode", test::deflated(pageText(i)));
+        for (const int offset : {2, 3}) builder.object(page + offset, smallBody(2));
+        for (const int offset : {4, 5, 6, 7}) builder.object(page + offset, smallBody(4 * (page + offset)));
+    }
+    return save(
+        "ten-pages",
+        builder.table({.entries = "/Root 1 0 R /Info 3 0 R /ID [<0123456789ABCDEF> <0123456789ABCDEF>]"}).bytes(),
+        kFirstPage + kPages * kPerPage - 1);
+}
+
+Inputs& inputs() {
+    static Inputs all;
+    return all;
 }
 
 }  // namespace varnpdf::bench

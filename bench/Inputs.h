@@ -22,7 +22,7 @@ struct Input {
     std::vector<StreamPlace> streams = {};  ///< of documents whose objects are packed
 };
 
-/// The directory is removed with everything in it at the end of the scope.
+/// The directory is removed with everything in it at the end of the program.
 class Inputs {
 public:
     Inputs();
@@ -42,10 +42,15 @@ public:
     Input signatures(int others);
     /// About 50 kB: 200 objects and some page contents.
     Input smallDocument();
+    /// About 50 kB: ten pages with packed contents, fonts and links, /Info and a metadata stream.
+    Input tenPages();
 
 private:
     Input save(const std::string& name, const std::string& bytes, int objects);
     std::filesystem::path directory_;
 };
+
+/// Those of this run.
+Inputs& inputs();
 
 }  // namespace varnpdf::bench

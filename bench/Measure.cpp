@@ -110,20 +110,22 @@ double timeOfOpen(const Input& input) {
     return time;
 }
 
-std::size_t peakOfOpen(const Input& input) {
+std::size_t peakOf(const char* work, const Input& input) {
     // A process of its own: the heap of this one holds what other benchmarks left.
     const std::string self = std::filesystem::read_symlink("/proc/self/exe").string();
-    const std::string command = "'" + self + "' --peak '" + input.path + "'";
+    const std::string command = "'" + self + "' " + work + " '" + input.path + "'";
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(popen(command.c_str(), "r"), pclose);
     std::size_t peak = 0;
     if (!out || std::fscanf(out.get(), "%zu", &peak) != 1) throw std::runtime_error("no peak for " + input.path);
     return peak;
 }
 
-int peakProcess(const char* path) {
+void printPeak() { std::printf("%zu\n", statusValue("VmHWM:")); }
+
+int peakOfOpening(const char* path) {
     CPdf pdf;
     if (pdf.Open(path, "rb") != 0) return 1;
-    std::printf("%zu\n", statusValue("VmHWM:"));
+    printPeak();
     return 0;
 }
 

@@ -23,10 +23,13 @@ double limitOfUnpacking(const Input& input);
 /// Opens the document; ends the program when it does not open. It is closed outside of the time.
 double timeOfOpen(const Input& input);
 
-/// Peak resident memory in bytes of a process that opens the file and does nothing else.
-std::size_t peakOfOpen(const Input& input);
-/// That process: prints its peak and ends.
-int peakProcess(const char* path);
+/// Peak resident memory in bytes of a process that opens ("--peak-open") or signs ("--peak-sign") the file and does
+/// nothing else.
+std::size_t peakOf(const char* work, const Input& input);
+/// Those processes: they print their peak and end.
+int peakOfOpening(const char* path);
+int peakOfSigning(const char* path);
+void printPeak();
 
 struct Row {
     std::string name;

@@ -74,6 +74,14 @@ CPdfObj& filled(CPdfObj& obj, std::string_view text) {
     return obj;
 }
 
+/// The two entries that are found in one pass are those of the lookup.
+void typeEntries(std::string_view text) {
+    CPdfObj obj;
+    filled(obj, text);
+    check(obj.typeEntry() == lookUp(obj, "/Type", 0, 1).value, "the kept /Type is that of the lookup");
+    check(obj.fieldTypeEntry() == lookUp(obj, "/FT", 0, 1).value, "the kept /FT is that of the lookup");
+}
+
 void replaceEntry(std::string_view text, const std::string& key) {
     CPdfObj obj;
     const Found found = lookUp(filled(obj, text), key, 1, 1);
@@ -134,6 +142,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         check(later.result == 0 || later.at >= half, "a scan from the middle finds nothing in front of it");
         deleteEntry(text, key, namesAsValues);
     }
+    typeEntries(text);
     replaceEntry(text, key);
     addEntry(text, key);
     return 0;

@@ -1,6 +1,8 @@
 // CPdf: construction, opening a document and the early checks.
+#include <sys/mman.h>
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -40,6 +42,17 @@ long fileLength(std::FILE* file) {
     if (std::fseek(file, 0, SEEK_END) != 0) return -1;
     const long length = std::ftell(file);
     return std::fseek(file, 0, SEEK_SET) == 0 ? length : -1;
+}
+
+// Fetching a large buffer from the system page by page takes as long as reading the file into it. Blocks of this size are
+// mappings of their own, so that nothing else of the heap is concerned; where the system declines, nothing is lost.
+void askForLargePages(unsigned char* block, std::size_t length) {
+    constexpr std::size_t kLarge = std::size_t{32} << 20U;
+    constexpr std::size_t kPage = 4096;
+    if (length < kLarge) return;
+    const std::size_t behind = reinterpret_cast<std::uintptr_t>(block) % kPage;
+    const std::size_t skip = behind == 0 ? 0 : kPage - behind;
+    static_cast<void>(madvise(block + skip, length - skip, MADV_HUGEPAGE));
 }
 
 }  // namespace
@@ -107,6 +120,7 @@ bool CPdf::readContent(std::size_t length) {
     constexpr std::size_t kUpdate = 65'536;
     content_.reset(static_cast<unsigned char*>(std::malloc(length + 1 + kUpdate)));
     if (!content_) return false;
+    askForLargePages(content_.get(), length);
     contentLen_ = static_cast<unsigned int>(length);
     // A file that has become shorter meanwhile reads as zeros at its end.
     const std::size_t got = std::fread(content_.get(), 1, length, file_.get());

@@ -190,6 +190,32 @@ TEST(ReadDictionaryEntry, ObjectTakesTheLaterOfTwo) {
     }
 }
 
+TEST(DictionaryEntry, TypesFoundInOnePass) {
+    const struct {
+        std::string_view content, type, fieldType;
+    } rows[] = {
+        {"1 0 obj\n<< /Type /Annot /FT /Sig >>", "/Annot", "/Sig"},
+        {"1 0 obj\n<< /FT /Tx /Type /A /Type /B /FT /Sig /FT /Ch /Type /C >>", "/B", "/Sig"},  // of two the later
+        {"1 0 obj\n<< /Type /FT /Sig >>", "/FT", "/Sig"},                                      // names are keys too
+        {"1 0 obj\n<< /K << /Type /X >> /A [/FT /Y] /S (/FT /Z) /FTx 1 >>", "", ""},
+        {"1 0 obj\n<< /Type /A /FT (open >>", "/A", ""},
+        {"1 0 obj\n<< /FT /Sig /Type <<", "", "/Sig"},
+        {"", "", ""},
+    };
+    for (const auto& row : rows) {
+        CPdfObj obj;
+        obj.setContent(row.content);
+        EXPECT_EQ(obj.typeEntry(), row.type) << row.content;
+        EXPECT_EQ(obj.fieldTypeEntry(), row.fieldType) << row.content;
+    }
+    CPdfObj obj;
+    obj.setContent("<< /FT /Tx >>");
+    EXPECT_EQ(obj.fieldTypeEntry(), "/Tx");
+    std::string value = "/Sig";
+    obj.ReplaceDictionaryEntry("/FT", value.data());
+    EXPECT_EQ(obj.fieldTypeEntry(), "/Sig");  // asked again after a change
+}
+
 TEST(DictionaryEdits, ChangeNothingElse) {
     const auto add = [](const char* key, const char* value) {
         return [=](CPdfObj& obj) { return obj.AddDictionaryEntry(key, value); };
