@@ -110,6 +110,23 @@ bool takePosition(const std::string& text, const std::string& corner, cli::Place
 
 }  // namespace
 
+cli::Placement cli::movedOnto(Placement placement, const int* box, int rotation) {
+    const int quarter = (rotation % 360 + 360) % 360 / 90;
+    const int width = box[2] - box[0];
+    const int height = box[3] - box[1];
+    if (placement.mode == 0) {
+        placement.mode = 1;
+        placement.x = static_cast<int>((quarter % 2 == 0 ? width : height) * 1LL * placement.x / 100);
+        placement.y = static_cast<int>((quarter % 2 == 0 ? height : width) * 1LL * placement.y / 100);
+    }
+    // The way from 0 0 to the box as the reader of the turned page sees it: to the right, and up.
+    const int right[] = {box[0], box[1], -box[0], -box[1]};
+    const int up[] = {box[1], -box[0], -box[1], box[0]};
+    placement.x += placement.mode >= 3 ? -right[quarter] : right[quarter];
+    placement.y += placement.mode % 2 == 0 ? -up[quarter] : up[quarter];
+    return placement;
+}
+
 void cli::addPlacementOptions(CLI::App& parser, PlacementOptions& options) {
     parser.add_option("--page", options.page, "Page that carries the signature: from 1, or \"last\"")->option_text("N");
     CLI::Option* size = parser.add_option("--size", options.size, "Makes the signature visible: width and height");

@@ -32,5 +32,8 @@ struct Placement {
 void addPlacementOptions(CLI::App& parser, PlacementOptions& options);
 /// Nothing after a complaint.
 std::optional<Placement> placementOf(const PlacementOptions& options);
+/// The same place on a page whose box (x1, y1, x2, y2) begins elsewhere than at 0 0, from where the library counts.
+/// Percentages become points.
+Placement movedOnto(Placement placement, const int* box, int rotation);
 
 }  // namespace cli

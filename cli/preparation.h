@@ -50,11 +50,12 @@ private:
     bool takeTexts(const PreparationOptions& options);
     bool addLine(const std::string& label, const std::string& value);
     bool addDefaultLines();
-    [[nodiscard]] bool pageIsThere() const;
+    bool settlePlace();
 
     std::string file_;
     bool cades_ = true;
     Placement placement_;
+    std::string boxNote_;  ///< why a place may lie outside
     std::string image_;
     int font_ = 0;
     int style_ = 0;

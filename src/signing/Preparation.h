@@ -84,6 +84,7 @@ private:
     void writeNewForm();
     void writeFonts();
     void updateCatalogue();
+    bool otherPageHas(const CPdfObj& annots);
     void updateAnnots();
     void newAnnots(std::string_view comment);
     void writeLocks();

@@ -1,10 +1,14 @@
 // One preparation: AcroForm (ISO 32000-2 12.7.3), catalogue, page annotations.
+#include <algorithm>
+
 #include "model/DictionaryEntry.h"
+#include "reader/PageTree.h"
 #include "signing/Preparation.h"
 #include "support/Text.h"
 #include "syntax/Reference.h"
 #include "varnpdf/result.h"
 #include "writer/RefArray.h"
+#include "writer/Update.h"
 
 namespace varnpdf {
 namespace {
@@ -174,6 +178,16 @@ void Preparation::newAnnots(std::string_view comment) {
            text(numbers_.annots, " 0 obj\r\n", comment, "\r\n[\r\n    ", numbers_.widget, " 0 R\r\n]\r\nendobj\r\n"));
 }
 
+// The widget belongs to one page; in an array that pages share it would show on all of them (ISO 32000-2 12.5.2).
+bool Preparation::otherPageHas(const CPdfObj& annots) {
+    CPdfObj* const root = pdf_.referencedObject(entryValue(catalogue_->content(), "/Pages"));
+    if (root == nullptr) return false;
+    const auto& pages = pdf_.pageTree(*root).objects;
+    return std::any_of(pages.begin(), pages.end(), [&](const CPdfObj* page) {
+        return page != page_ && pdf_.referencedObject(entryValue(page->content(), "/Annots")) == &annots;
+    });
+}
+
 void Preparation::updateAnnots() {
     const std::string item = text(' ', numbers_.widget, " 0 R");
     const auto entry = findLaterEntry(page_->content(), "/Annots");
@@ -196,6 +210,12 @@ void Preparation::updateAnnots() {
     }
     CPdfObj* const original = pdf_.referencedObject(value);
     if (original != nullptr && original->content().find('[') != std::string_view::npos) {
+        if (otherPageHas(*original)) {
+            logDebug(logger_, "Annots-Array gehoert mehreren Seiten! Erstelle ein eigenes");
+            addNew(numbers_.annots, objectText(numbers_.annots, 0, appendToRefArray(original->content(), item)));
+            replaceEntry(changed(*page_), "/Annots", referenceText(numbers_.annots));
+            return;
+        }
         CPdfObj& annots = changed(*original);
         annots.setContent(withAnnotation(annots.content(), item));
         return;

@@ -54,6 +54,26 @@ done <<'TABLE'
 72,72,144,90       --size 1in,18pt --position 1in,1in
 306,79,406,139     --size 100,60 --position 50%,10%
 TABLE
+# a box of the same size that begins at 10 20
+for turned in 0 90 180 270; do
+    pdf "box$turned.pdf" "${one_page[@]:0:2}" \
+        "<< /Type /Page /Parent 2 0 R /MediaBox [10 20 622 812] /Rotate $turned >>"
+done
+while read -r turned rectangle options; do
+    # shellcheck disable=SC2086
+    run 0 '' sign "box$turned.pdf" -o place.pdf "${me[@]}" --size 100,60 --page last $options
+    same "rectangle on a box turned by $turned: $options" "${rectangle//,/ }" "$(entry place.pdf Rect | tr -d '[]' | xargs)"
+done <<'TABLE'
+0   40,60,140,120    --position 30,40
+0   163,257,263,317  --position 25%,30%
+0   482,682,582,742  --position 40,70 --corner upper-right
+90  522,50,582,150   --position 30,40
+90  60,682,120,782   --position 30,50 --corner upper-right
+180 592,772,492,712  --position 30,40
+270 50,682,110,782   --position 30,40
+TABLE
+run 4 'begins at 10 20, and signatures are only placed between 0 0 and 612 792 \(-1022\)$' \
+    sign box0.pdf -o outside.pdf "${me[@]}" --size 100,60 --position 0,0 --corner upper-right
 run 0 '' sign in.pdf -o place.pdf "${me[@]}" --size 300,60 --text 'Prüfer=€ – „J“ 100%' --text '=a=b' --font times \
     --style bold --font-size 11
 if command -v pdftotext >/dev/null; then

@@ -236,6 +236,20 @@ TEST(Prepare, CatalogueAndAnnotations) {
         EXPECT_TRUE(holds(opened.body(3), row.page)) << row.annots << opened.body(3);
         EXPECT_EQ(opened.bodies({4, 5}), row.four + " "s + row.five) << row.annots;
     }
+
+    // An array of two pages stays with the other one.
+    const std::string two = PdfBuilder()
+                                .object(1, "<< /Type /Catalog /Pages 2 0 R >>")
+                                .object(2, "<< /Type /Pages /Kids [3 0 R 4 0 R] /Count 2 >>")
+                                .object(3, "<< /Type /Page /Parent 2 0 R /Annots 5 0 R >>")
+                                .object(4, "<< /Type /Page /Parent 2 0 R /Annots 5 0 R >>")
+                                .object(5, "[8 0 R]")
+                                .table()
+                                .bytes();
+    OpenedPdf opened(signedFile(two, {.page = 1}));
+    EXPECT_TRUE(holds(opened.body(3), "/Annots 5 0 R"));
+    EXPECT_TRUE(holds(opened.body(4), "/Annots 6 0 R"));
+    EXPECT_EQ(opened.bodies({5, 6}), "[8 0 R] [8 0 R 12 0 R]");
 }
 
 // Strings of direct objects may hold NULs, and words that mean something elsewhere.
