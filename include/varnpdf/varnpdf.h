@@ -4,6 +4,8 @@
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfDoc.h"
+#include "varnpdf/PdfFields.h"
+#include "varnpdf/PdfForm.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfLockInfo.h"
 #include "varnpdf/PdfObj.h"

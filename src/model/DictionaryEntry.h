@@ -28,6 +28,9 @@ std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view
 /// Of two occurrences the later; a third is not looked for.
 std::optional<DictionaryEntry> findLaterEntry(std::string_view text, std::string_view key, bool namesAsValues = true);
 
+/// The first entry of the dictionary in the text, or of the rest of one; nothing where the dictionary ends.
+std::optional<DictionaryEntry> firstEntry(std::string_view text);
+
 /// The text of that entry's value, empty when there is none.
 std::string_view entryValue(std::string_view text, std::string_view key);
 

@@ -28,5 +28,15 @@ inline constexpr std::size_t kInflatedBytesPerByte = 20;
 /// Objects may overlap in damaged files; together they may cover the file only so many times.
 inline constexpr std::size_t kObjectBytesBase = std::size_t{64} << 20U;
 inline constexpr std::size_t kObjectBytesPerByte = 8;
+/// Levels of the field tree, and the length of a field's full name in bytes: far beyond what any form has.
+inline constexpr int kFieldDepth = 64;
+inline constexpr std::size_t kFieldNameBytes = 32'767;
+/// What all full names of a form may take together.
+inline constexpr std::size_t kFieldNamesBytes = std::size_t{64} << 20U;
+/// Signatures whose field locks are honoured.
+inline constexpr std::size_t kFieldLocks = 1000;
+/// Longest content of an appearance whose text is replaced, and what all of them may inflate to together.
+inline constexpr std::size_t kAppearanceBytes = std::size_t{4} << 20U;
+inline constexpr std::size_t kAppearancesBytes = std::size_t{256} << 20U;
 
 }  // namespace varnpdf::limits
