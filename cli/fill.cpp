@@ -89,8 +89,9 @@ int run(const Options& options) {
     }
     if (!good) return cli::kAllFailed;
     if (isSigned(form)) {
-        cli::complain(options.in, "warning: the document is signed; the signatures stay intact, and viewers will say "
-                                  "that it was changed after signing");
+        cli::complain(options.in,
+                      "warning: the document is signed; the signatures stay intact, and viewers will say "
+                      "that it was changed after signing");
     }
     if (const int code = form.WriteUpdate(); code != 0) {
         cli::complain(options.in, code);

@@ -14,7 +14,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kFooter = R"(One line for a field: its full name, its kind, the page that shows it, its flags, its value.
+constexpr const char* kFooter =
+    R"(One line for a field: its full name, its kind, the page that shows it, its flags, its value.
 Names and values are decoded; "varnpdf fill" takes the names as they stand here.
 
 Examples:
@@ -35,12 +36,11 @@ struct Flag {
 };
 
 constexpr Flag kFlags[] = {
-    {"", 1, "read-only"},          {"", 2, "required"},         {"", 3, "no-export"},
-    {"Tx", 13, "multiline"},       {"Tx", 14, "password"},      {"Tx", 21, "file-select"},
-    {"Tx", 23, "no-spell-check"},  {"Tx", 24, "no-scroll"},     {"Tx", 25, "comb"},
-    {"Tx", 26, "rich-text"},       {"Btn", 15, "always-one-on"}, {"Btn", 26, "in-unison"},
-    {"Ch", 19, "editable"},        {"Ch", 20, "sorted"},        {"Ch", 22, "multiple"},
-    {"Ch", 23, "no-spell-check"},  {"Ch", 27, "commit-at-once"},
+    {"", 1, "read-only"},         {"", 2, "required"},       {"", 3, "no-export"},         {"Tx", 13, "multiline"},
+    {"Tx", 14, "password"},       {"Tx", 21, "file-select"}, {"Tx", 23, "no-spell-check"}, {"Tx", 24, "no-scroll"},
+    {"Tx", 25, "comb"},           {"Tx", 26, "rich-text"},   {"Btn", 15, "always-one-on"}, {"Btn", 26, "in-unison"},
+    {"Ch", 19, "editable"},       {"Ch", 20, "sorted"},      {"Ch", 22, "multiple"},       {"Ch", 23, "no-spell-check"},
+    {"Ch", 27, "commit-at-once"},
 };
 
 Json flagNames(const std::string& type, unsigned flags) {

@@ -110,7 +110,9 @@ public:
     /// Writes the new value into the field's object (/V) and into its appearance objects.
     void UpdateValues(CFontObj* defaultFont);
 
-    [[nodiscard]] std::string_view orgValue() const { return orgValue_ ? std::string_view(*orgValue_) : std::string_view{}; }
+    [[nodiscard]] std::string_view orgValue() const {
+        return orgValue_ ? std::string_view(*orgValue_) : std::string_view{};
+    }
     void setOrgValue(std::string_view text) { orgValue_ = text; }
     void setTag(std::string_view text) { tag_ = text; }
     void setAppearanceLink(std::string_view text) { appearanceLink_ = text; }

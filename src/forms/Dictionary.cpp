@@ -200,7 +200,8 @@ std::string withEntry(std::string_view text, std::string_view key, std::string_v
         // A dictionary that is not closed is left alone: what belongs to it is anybody's guess.
         const bool closed = tokens.at() >= 2 && text.substr(tokens.at() - 2, 2) == ">>";
         if (!closed) return std::string(text);
-        append(out, text.substr(kept, tokens.at() - 2 - kept), "\r\n/", key, ' ', value, "\r\n");
+        append(out, text.substr(kept, tokens.at() - 2 - kept));
+        append(out, isEol(out.back()) ? "" : "\r\n", '/', key, ' ', value, "\r\n");
         kept = tokens.at() - 2;
     }
     append(out, text.substr(kept));
@@ -228,7 +229,8 @@ std::optional<std::string> stringOf(std::string_view value) {
 std::optional<double> numberOf(std::string_view value) {
     if (value.starts_with('+')) value.remove_prefix(1);
     double number = 0;
-    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number, std::chars_format::fixed);
+    const auto [end, error] =
+        std::from_chars(value.data(), value.data() + value.size(), number, std::chars_format::fixed);
     if (error != std::errc() || end == value.data()) return std::nullopt;
     // "inf" and "nan" are no numbers in PDF; what is beyond any page is of no use either.
     constexpr double kMost = 1e9;

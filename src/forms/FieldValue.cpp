@@ -41,7 +41,8 @@ std::string lineFor(std::string_view head, std::string_view codes, const CFontOb
     style.appearance = {font == nullptr ? "Helv" : font->GetShortName(), 0, "0 g"};
     const double room = place.width - 4;
     const double needed = FieldFont::helvetica().width(codes);
-    style.appearance.size = std::clamp(std::min(place.height * 0.7, needed > 0 ? room / needed : kMostPoints), 4.0, kMostPoints);
+    style.appearance.size =
+        std::clamp(std::min(place.height * 0.7, needed > 0 ? room / needed : kMostPoints), 4.0, kMostPoints);
     return fieldText(place, style, FieldFont::helvetica(), codes);
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kNoField = std::string_view::npos;
 constexpr std::size_t kLongestWritten = 4 * limits::kFieldNameBytes;  // of a name, escapes included
-constexpr int kLongestChain = 8;  // references to references; a loop ends here
+constexpr int kLongestChain = 8;                                      // references to references; a loop ends here
 
 void inherit(std::string_view& attribute, std::string_view own) {
     if (!own.empty()) attribute = own;
@@ -132,7 +132,8 @@ void FormTree::visit(Node node, std::vector<Node>& stack) {
         if (partial) node.prefix = joined(node.prefix, toUtf8(decodeTextString(*partial)));
         node.attributes = withOwn(node.attributes, own);
     }
-    const std::vector<CPdfObj*> below = node.depth < limits::kFieldDepth ? kids(own.find("Kids")) : std::vector<CPdfObj*>{};
+    const std::vector<CPdfObj*> below =
+        node.depth < limits::kFieldDepth ? kids(own.find("Kids")) : std::vector<CPdfObj*>{};
     // Long names multiplied by many fields would cost what the file does not have.
     const std::size_t cost = node.prefix.size() * (below.size() + 1);
     if (node.prefix.size() > limits::kFieldNameBytes || cost > limits::kFieldNamesBytes - nameBytes_) {

@@ -94,9 +94,9 @@ private:
     std::size_t nameBytes_ = 0;
     std::unordered_set<const CPdfObj*> seen_;
     mutable std::unordered_map<const CPdfObj*, std::string_view> values_;  // of objects that were referred to
-    std::unordered_set<const CPdfObj*> arrays_;  // of kids that have been read
-    std::unordered_map<int, int> pages_;         // by number of the annotation
-    std::vector<int> annotations_;               // in the order of the pages
+    std::unordered_set<const CPdfObj*> arrays_;                            // of kids that have been read
+    std::unordered_map<int, int> pages_;                                   // by number of the annotation
+    std::vector<int> annotations_;                                         // in the order of the pages
     int omitted_ = 0;
     std::vector<FieldLock> locks_;
     std::unordered_set<const char*> lockTexts_;

@@ -30,7 +30,7 @@ std::u32string withLineFeeds(std::u32string_view value) {
 
 std::string colour(std::string_view array, bool fill) {
     const std::vector<double> parts = numbersOf(array);
-    const char* const op = parts.size() == 1 ? (fill ? "g" : "G")
+    const char* const op = parts.size() == 1   ? (fill ? "g" : "G")
                            : parts.size() == 3 ? (fill ? "rg" : "RG")
                            : parts.size() == 4 ? (fill ? "k" : "K")
                                                : nullptr;
@@ -105,7 +105,7 @@ struct FormUpdate::Shown {
     std::string box;  // of an appearance made anew
     std::string matrix;
     std::string content;
-    const CPdfObj* old = nullptr;       // appearance stream that is there
+    const CPdfObj* old = nullptr;      // appearance stream that is there
     std::optional<StreamParts> parts;  // of it, when its surroundings of the text are kept
 };
 
@@ -173,7 +173,8 @@ void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32stri
     if (!oldBox || !markedText(shown.parts->data)) shown.parts.reset();
 
     const bool hidden = (field.flags() & kPassword) != 0;
-    chooseFont(shown, part(form.find("Resources")), hidden ? std::u32string(value.size(), U'*') : std::u32string(value));
+    chooseFont(shown, part(form.find("Resources")),
+               hidden ? std::u32string(value.size(), U'*') : std::u32string(value));
     if (shown.font == nullptr) {
         leaveToViewers(widget);
         return;

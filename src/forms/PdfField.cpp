@@ -146,7 +146,8 @@ std::string CPdfFieldContainer::dump() {
         ++count;
         const std::string_view value = field->orgValue();
         const bool wide = value.starts_with("\xFE\xFF");
-        append(lines, field->tag_.value_or(""), '=', wide ? toUtf8(decodeTextString(value)) : std::string(value), "\r\n");
+        append(lines, field->tag_.value_or(""), '=', wide ? toUtf8(decodeTextString(value)) : std::string(value),
+               "\r\n");
     }
     return text("FieldCount=", count, "\r\n", lines);
 }

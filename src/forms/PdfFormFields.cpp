@@ -44,7 +44,8 @@ std::optional<int> appearanceNumber(std::string_view link, std::string_view key)
 
 CPdfObj* CPdf::GetObjWithFieldsEntry() {
     CPdfObj* const catalogue = lastTrailer_ ? referencedObject(lastTrailer_->root()) : nullptr;
-    const std::string_view form = catalogue == nullptr ? std::string_view{} : entryValue(catalogue->content(), "/AcroForm");
+    const std::string_view form =
+        catalogue == nullptr ? std::string_view{} : entryValue(catalogue->content(), "/AcroForm");
     CPdfObj* const holder = form.starts_with("<<") ? catalogue : referencedObject(form);
     if (holder == nullptr) return nullptr;
     const std::string_view dictionary = holder == catalogue ? form : holder->content();
@@ -103,11 +104,13 @@ void CPdf::ReadApperanceObjects(CPdfFieldContainer* container) {
     for (int i = 0; i < container->GetFieldNum(); ++i) {
         CPdfField& field = *container->GetFields(i);
         std::string_view link = field.appearanceLink();
-        if (const CPdfObj* const held = link.starts_with("<<") ? nullptr : referencedObject(link)) link = held->content();
+        if (const CPdfObj* const held = link.starts_with("<<") ? nullptr : referencedObject(link))
+            link = held->content();
         for (const char* const key : {"/N", "/R", "/D"}) {
             const auto number = appearanceNumber(link, key);
             CPdfObj* const stream = number ? objects_->find(*number) : nullptr;
-            if (stream == nullptr || stream->content().empty() || field.GetAppearanceCount() >= CPdfField::kAppearances) {
+            if (stream == nullptr || stream->content().empty() ||
+                field.GetAppearanceCount() >= CPdfField::kAppearances) {
                 continue;
             }
             if (stream->content().size() > budget) {

@@ -27,7 +27,8 @@ FormField loneField(CPdfObj& object) {
     const Dictionary own(object.content());
     FormField field;
     field.object = &object;
-    field.attributes = {own.find("FT"), own.find("Ff"), own.find("V"), own.find("DA"), own.find("Q"), own.find("MaxLen")};
+    field.attributes = {own.find("FT"), own.find("Ff"), own.find("V"),
+                        own.find("DA"), own.find("Q"),  own.find("MaxLen")};
     if (own.find("Subtype") == "/Widget") field.widgets.push_back(&object);
     return field;
 }

@@ -15,10 +15,10 @@
 namespace varnpdf {
 namespace {
 
-constexpr double kSmallest = 4;             // points, of an automatic size
-constexpr double kLargest = 144;            // likewise
-constexpr double kMultilineSize = 12;       // where an automatic size begins
-constexpr double kLeading = 1.15;           // of the font size
+constexpr double kSmallest = 4;              // points, of an automatic size
+constexpr double kLargest = 144;             // likewise
+constexpr double kMultilineSize = 12;        // where an automatic size begins
+constexpr double kLeading = 1.15;            // of the font size
 constexpr double kSingleLineOfHeight = 0.7;  // automatic size of a single line, of the height inside the border
 
 struct Layout {
@@ -104,8 +104,8 @@ public:
 private:
     void begin() {
         const double inset = std::min({style_.border, box_.width / 2, box_.height / 2});
-        append(out_, "q\n", decimal(box_.x + inset), ' ', decimal(box_.y + inset), ' ',
-               decimal(box_.width - 2 * inset), ' ', decimal(box_.height - 2 * inset), " re\nW\nn\nBT\n");
+        append(out_, "q\n", decimal(box_.x + inset), ' ', decimal(box_.y + inset), ' ', decimal(box_.width - 2 * inset),
+               ' ', decimal(box_.height - 2 * inset), " re\nW\nn\nBT\n");
         if (!style_.appearance.operators.empty()) append(out_, style_.appearance.operators, '\n');
     }
 

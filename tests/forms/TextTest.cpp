@@ -50,7 +50,7 @@ TEST(Dictionary, EntriesAreReplacedWhereEveryViewerSeesThem) {
         {"<</V (a)>>", "V", "(b)", "<</V (b)>>"},
         {"5 0 obj\n<</T (V) /V/V/X 1>>\nendobj", "V", "(b)", "5 0 obj\n<</T (V) /V (b)/X 1>>\nendobj"},
         {"<</T ((V) \\) /V 1)/V 2>>", "V", "", "<</T ((V) \\) /V 1)>>"},
-        {"<</K<</V 1>>%/V 2\n>>", "V", "3", "<</K<</V 1>>%/V 2\n\r\n/V 3\r\n>>"},
+        {"<</K<</V 1>>%/V 2\n>>", "V", "3", "<</K<</V 1>>%/V 2\n/V 3\r\n>>"},
         {"<</V 1/#56 2>>", "V", "3", "<</V 3>>"},            // the same name, twice
         {"<<>> stream\n<</V 1>>", "V", "3", "<<\r\n/V 3\r\n>> stream\n<</V 1>>"},
         {"<</V 1 0 R /W[1 0 R]>>", "V", "()", "<</V () /W[1 0 R]>>"},
@@ -93,7 +93,8 @@ TEST(Layout, TextStandsWhereTheFieldSaysIt) {
     }
     // A size of its own shrinks until all lines fit.
     const TextStyle style{{"F", 0, ""}, 0, true, 0, 1};
-    EXPECT_NE(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), "many words in a small box").find("/F 8 Tf"), std::string::npos);
+    EXPECT_NE(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), "many words in a small box").find("/F 8 Tf"),
+              std::string::npos);
     EXPECT_EQ(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), ""), "");
 }
 
