@@ -32,6 +32,8 @@ Command addPrepare(CLI::App& program);
 Command addEmbed(CLI::App& program);
 Command addVerify(CLI::App& program);
 Command addConvert(CLI::App& program);
+Command addFields(CLI::App& program);
+Command addFill(CLI::App& program);
 
 /// "varnpdf: WHAT: SENTENCE" on standard error. `what` may be any bytes.
 void complain(const std::string& what, const std::string& sentence);

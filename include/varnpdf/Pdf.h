@@ -19,6 +19,7 @@
 
 namespace varnpdf {
 class Bytes;
+class FormUpdate;
 class KeywordSearch;
 class ObjectTable;
 class Preparation;
@@ -33,6 +34,7 @@ struct PageTree;
 struct SectionTexts;
 }  // namespace varnpdf
 
+class CPdfFieldContainer;
 class CPdfLockInfo;
 struct FormfieldInfo_tag;
 
@@ -236,6 +238,23 @@ public:
     /// Returns 0.
     int WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode);
 
+    // --- form fields -----------------------------------------------------------------------------------------------
+
+    /// The object that carries the form's /Fields: the AcroForm dictionary, or the catalogue when the form stands in it
+    /// directly; null without a form. Owned by the document.
+    CPdfObj* GetObjWithFieldsEntry();
+    /// Reads the form's fonts and the text fields: every object with a literal /T, except the one with the highest
+    /// number. Sets the object count to /Size. Names and values are the texts between the parentheses, escapes and all.
+    /// Fields whose widgets stand apart, full names and other field types: see `CPdfForm`.
+    /// @return never null; the caller deletes it. Empty when the document has no fields
+    CPdfFieldContainer* ReadFields();
+    /// Copies the streams that each field's /AP names (/N, /R, /D in this order) into the field.
+    void ReadApperanceObjects(CPdfFieldContainer* container);
+    /// Writes every field marked new (`CPdfField::GetIsNew`), then its appearances, with `WriteTextAnnotation`. An
+    /// appearance that several fields share is written once.
+    /// @return the number of fields in the container
+    int AppendObjects(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer* container);
+
     // --- documents from nothing ------------------------------------------------------------------------------------
     // SetHeader, CreateObject for each object (the catalogue by CreateRoot), WriteObjArrayToContent, WriteXrefToContent,
     // WriteTrailerToContent, then WriteAndClose or GetContent. std::bad_alloc or std::length_error leaves those that
@@ -330,6 +349,7 @@ public:
 
 private:
     friend class CPdfSign;
+    friend class varnpdf::FormUpdate;
     friend class varnpdf::Preparation;
 
     struct FileCloser {
@@ -383,6 +403,7 @@ private:
     bool writeVisible(CPdfXRef& xref, const varnpdf::Appearance& form, FormfieldInfo_tag* fields, int fieldCount);
     varnpdf::PageTree& pageTree(CPdfObj& root);
     const varnpdf::PageNode& pageNode(varnpdf::PageTree& tree, const CPdfObj& obj);
+    void readField(CPdfObj& obj, CPdfFieldContainer& container);
     void walkTree(std::string_view references, const CPdfObj* root, bool (*isLeaf)(CPdfObj&),
                   std::vector<CPdfObj*>& leaves);
     std::optional<std::string> pageContent(const CPdfObj& page);

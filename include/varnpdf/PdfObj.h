@@ -8,6 +8,8 @@
 #include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
+class CFontObj;
+
 /// One indirect object (ISO 32000-2 7.3.10): number, generation, raw text from the object number through "endobj",
 /// position in the file and how the cross-reference data stores it. There is no parsed tree; questions are answered
 /// by scanning the text.
@@ -143,6 +145,26 @@ public:
     int ReplaceDictionaryEntry(const char* key, char* value);
     /// Inserts text into the first text-showing operation ("Tj") of a content stream. 0, or -1801 without one.
     int ReplaceTjValue(char* text);
+    /// Replaces the data of a stream, packed again when it was packed by /FlateDecode; /Length fits.
+    /// @return 0, or VARNPDF_NO_STREAM (-1802) with nothing changed: no stream, or one with another filter
+    int ReplaceStream(unsigned char* data, int len);
+    /// Lets the appearance stream of a text field show another value: between "/Tx BMC" and its "EMC", in the font, size
+    /// and place of the text that stood there. Without text a line is made that fits /BBox, in `font` (null: Helv).
+    /// @param value   UTF-8; text that is not UTF-8 is taken to be Latin-1. Shown in WinAnsiEncoding, what it lacks as ?
+    /// @param inField 1: in the marked part, which is made when there is none; 0: the first text of the whole content
+    /// @return 0, or VARNPDF_NO_STREAM (-1802) likewise, or VARNPDF_NO_TJ (-1801): no text to replace (`inField` 0)
+    int ReplaceValue(const char* value, CFontObj* font, int inField);
+
+    /// The first entry of a dictionary text, or of what is left of one, by the rules of the lookups.
+    /// @param key,value  room for `len` + 1 bytes each; terminated. The key has its '/'
+    /// @param keyPos,valuePos,endPos  offsets in `text` of the key, of the value and just behind the value
+    /// @return 1, or 0 when the dictionary ends or cannot be read
+    static int ReadFirstDictionaryEntry(char* text, int len, char* key, char* value, int* keyPos, int* valuePos,
+                                        int* endPos);
+    /// The same on `text` + `offset`, from where the offsets are counted as well. Go on with the sum of `offset` and the
+    /// end of the entry before.
+    static int ReadNextDictionaryEntry(char* text, int len, int offset, char* key, char* value, int* keyPos,
+                                       int* valuePos, int* endPos);
 
     /// `SetContent` with a view.
     void setContent(std::string_view text);

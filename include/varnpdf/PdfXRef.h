@@ -87,9 +87,13 @@ public:
     /// The subsections (`GetXRefNum` of them), owned by the container.
     [[nodiscard]] CPdfXRef* GetXRef() const { return XRef; }
     /// Replaces the array without freeing the old one; the new one (made with new[]) becomes the container's.
-    void SetXRef(CPdfXRef* xrefs) { XRef = xrefs; }
+    void SetXRef(CPdfXRef* xrefs) {
+        XRef = xrefs;
+        room_ = 0;
+    }
 
 private:
     int XRefNum = 0;
     CPdfXRef* XRef = nullptr;
+    int room_ = 0;  // subsections that the array has room for, 0 when it is just long enough
 };

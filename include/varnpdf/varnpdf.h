@@ -5,6 +5,8 @@
 #include "varnpdf/Convert.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfDoc.h"
+#include "varnpdf/PdfFields.h"
+#include "varnpdf/PdfForm.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfInfo.h"
 #include "varnpdf/PdfLockInfo.h"

@@ -35,6 +35,20 @@ public:
         return find();
     }
 
+    // The first key there is; a rest of a dictionary ends with it.
+    std::optional<DictionaryEntry> first() {
+        for (;;) {
+            at_ = nextStop(at_);
+            if (at_ >= text_.size() || text_.substr(at_).starts_with(">>")) return std::nullopt;
+            if (text_[at_] == '/') {
+                std::size_t end = at_ + 1;
+                while (end < text_.size() && isRegular(text_[end])) ++end;
+                return readValue(at_, end);
+            }
+            if (!step()) return std::nullopt;
+        }
+    }
+
     std::optional<DictionaryEntry> find() {
         for (std::size_t name = nextName(); name != kNone; name = nextName()) {
             if (matches(name + 1, key_)) return readValue(name, name + 1 + key_.size());
@@ -233,6 +247,8 @@ private:
 std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view key, EntryLookup how) {
     return EntryScanner(text, key, how).find();
 }
+
+std::optional<DictionaryEntry> firstEntry(std::string_view text) { return EntryScanner(text, {}, {}).first(); }
 
 std::optional<DictionaryEntry> findLaterEntry(std::string_view text, std::string_view key, bool namesAsValues) {
     EntryScanner scanner(text, key, {.namesAsValues = namesAsValues});

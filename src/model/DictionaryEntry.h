@@ -36,6 +36,9 @@ struct ObjectTypes {
 /// Both in one pass, each as `findLaterEntry` finds it. Opening asks every object for them.
 ObjectTypes findTypes(std::string_view text);
 
+/// The first entry of the dictionary in the text, or of the rest of one; nothing where the dictionary ends.
+std::optional<DictionaryEntry> firstEntry(std::string_view text);
+
 /// The text of that entry's value, empty when there is none.
 std::string_view entryValue(std::string_view text, std::string_view key);
 

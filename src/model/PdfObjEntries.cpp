@@ -103,3 +103,30 @@ int CPdfObj::ReplaceTjValue(char* text) {
     setContent(built);
     return 0;
 }
+
+int CPdfObj::ReadFirstDictionaryEntry(char* text, int len, char* key, char* value, int* keyPos, int* valuePos,
+                                      int* endPos) {
+    const std::string_view scanned(text, text == nullptr || len < 0 ? 0 : static_cast<std::size_t>(len));
+    const auto entry = firstEntry(scanned);
+    std::string_view name;
+    if (entry) {
+        name = scanned.substr(entry->key, entry->value.begin - entry->key);
+        std::size_t end = 1;
+        while (end < name.size() && isRegular(name[end])) ++end;
+        name = name.substr(0, end);
+    }
+    const std::string_view found = entry ? entry->value.of(scanned) : std::string_view{};
+    if (key != nullptr) *std::copy(name.begin(), name.end(), key) = '\0';
+    if (value != nullptr) *std::copy(found.begin(), found.end(), value) = '\0';
+    if (keyPos != nullptr) *keyPos = entry ? static_cast<int>(entry->key) : 0;
+    if (valuePos != nullptr) *valuePos = entry ? static_cast<int>(entry->value.begin) : 0;
+    if (endPos != nullptr) *endPos = entry ? static_cast<int>(std::max(entry->end, entry->value.end)) : 0;
+    return entry ? 1 : 0;
+}
+
+int CPdfObj::ReadNextDictionaryEntry(char* text, int len, int offset, char* key, char* value, int* keyPos,
+                                     int* valuePos, int* endPos) {
+    const bool inside = text != nullptr && offset >= 0 && offset <= len;
+    return ReadFirstDictionaryEntry(inside ? text + offset : nullptr, inside ? len - offset : 0, key, value, keyPos,
+                                    valuePos, endPos);
+}

@@ -78,12 +78,19 @@ CPdfXRefContainer::~CPdfXRefContainer() { delete[] XRef; }
 
 void CPdfXRefContainer::AddXRef(CPdfXRef* xref) {
     if (xref == nullptr) return;
-    auto grown = std::make_unique<CPdfXRef[]>(static_cast<std::size_t>(XRefNum) + 1);
-    for (int i = 0; i < XRefNum; ++i) grown[static_cast<std::size_t>(i)].swap(XRef[i]);
-    grown[static_cast<std::size_t>(XRefNum)] = *xref;
-    delete[] XRef;
-    XRef = grown.release();
-    ++XRefNum;
+    // The room doubles: an update may have as many subsections as objects.
+    if (XRefNum >= room_) {
+        const CPdfXRef copy(*xref);  // may be one of the container's
+        const auto used = static_cast<std::size_t>(std::max(XRefNum, 0));
+        auto grown = std::make_unique<CPdfXRef[]>(used * 2 + 1);
+        for (std::size_t i = 0; i < used; ++i) grown[i].swap(XRef[i]);
+        delete[] XRef;
+        XRef = grown.release();
+        room_ = static_cast<int>(used * 2 + 1);
+        XRef[XRefNum++].CopyFrom(const_cast<CPdfXRef*>(&copy));
+        return;
+    }
+    XRef[XRefNum++] = *xref;
 }
 
 void CPdfXRefContainer::SortXRefList() {
@@ -97,6 +104,7 @@ void CPdfXRefContainer::SortXRefList() {
     for (std::size_t i = 0; i < count; ++i) sorted[i].swap(XRef[order[i]]);
     delete[] XRef;
     XRef = sorted.release();
+    room_ = 0;
 }
 
 void CPdfXRef::swap(CPdfXRef& other) noexcept {

@@ -36,5 +36,15 @@ inline constexpr std::size_t kImagePieceBytes = std::size_t{256} << 20U;
 /// RGB samples of all pages of a TIFF together. Empty fax pages are packed by factors of 5,000.
 inline constexpr std::size_t kImageBytesBase = std::size_t{2} << 30U;
 inline constexpr std::size_t kImageBytesPerByte = 10'000;
+/// Levels of the field tree, and the length of a field's full name in bytes: far beyond what any form has.
+inline constexpr int kFieldDepth = 64;
+inline constexpr std::size_t kFieldNameBytes = 32'767;
+/// What all full names of a form may take together.
+inline constexpr std::size_t kFieldNamesBytes = std::size_t{64} << 20U;
+/// Signatures whose field locks are honoured.
+inline constexpr std::size_t kFieldLocks = 1000;
+/// Longest content of an appearance whose text is replaced, and what all of them may inflate to together.
+inline constexpr std::size_t kAppearanceBytes = std::size_t{4} << 20U;
+inline constexpr std::size_t kAppearancesBytes = std::size_t{256} << 20U;
 
 }  // namespace varnpdf::limits

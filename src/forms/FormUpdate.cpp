@@ -1,0 +1,349 @@
+// Filling fields.
+#include "forms/FormUpdate.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "forms/TextString.h"
+#include "support/Text.h"
+#include "writer/Update.h"
+
+namespace varnpdf {
+namespace {
+
+constexpr std::string_view kSubstituteName = "VarnHelv";
+constexpr std::size_t kLongestAppearance = 4096;  // bytes of a default appearance that is believed
+
+// Line ends of every kind become line feeds.
+std::u32string withLineFeeds(std::u32string_view value) {
+    std::u32string out;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        if (value[i] == '\r' && i + 1 < value.size() && value[i + 1] == '\n') continue;
+        out.push_back(value[i] == '\r' ? U'\n' : value[i] == '\t' ? U' ' : value[i]);
+    }
+    return out;
+}
+
+std::string colour(std::string_view array, bool fill) {
+    const std::vector<double> parts = numbersOf(array);
+    const char* const op = parts.size() == 1   ? (fill ? "g" : "G")
+                           : parts.size() == 3 ? (fill ? "rg" : "RG")
+                           : parts.size() == 4 ? (fill ? "k" : "K")
+                                               : nullptr;
+    std::string out;
+    if (op == nullptr) return out;
+    for (const double part : parts) append(out, decimal(part), ' ');
+    return out + op;
+}
+
+// Background and border of a widget (ISO 32000-2 12.5.6.19).
+std::string decoration(const Dictionary& look, const Dictionary& style, const TextBox& box, double border) {
+    std::string out;
+    const std::string background = colour(look.find("BG"), true);
+    if (!background.empty()) {
+        append(out, "q\n", background, "\n0 0 ", decimal(box.width), ' ', decimal(box.height), " re\nf\nQ\n");
+    }
+    const std::string line = colour(look.find("BC"), false);
+    if (line.empty() || border <= 0) return out;
+    append(out, "q\n", line, '\n', decimal(border), " w\n");
+    if (style.find("S") == "/D") append(out, "[3] 0 d\n");
+    if (style.find("S") == "/U") {
+        append(out, "0 ", decimal(border / 2), " m\n", decimal(box.width), ' ', decimal(border / 2), " l\nS\nQ\n");
+    } else {
+        append(out, decimal(border / 2), ' ', decimal(border / 2), ' ', decimal(box.width - border), ' ',
+               decimal(box.height - border), " re\nS\nQ\n");
+    }
+    return out;
+}
+
+// The box [0 0 w h] of an appearance that is turned by a multiple of 90 degrees, and its matrix.
+struct Frame {
+    TextBox box;
+    std::string matrix;
+};
+
+Frame frameOf(double width, double height, int rotation) {
+    switch ((rotation % 360 + 360) % 360) {
+        case 90:
+            return {{0, 0, height, width}, text("[0 1 -1 0 ", decimal(width), " 0]")};
+        case 180:
+            return {{0, 0, width, height}, text("[-1 0 0 -1 ", decimal(width), ' ', decimal(height), ']')};
+        case 270:
+            return {{0, 0, height, width}, text("[0 -1 1 0 0 ", decimal(height), ']')};
+        default:
+            return {{0, 0, width, height}, {}};
+    }
+}
+
+std::optional<TextBox> boxOf(std::string_view array) {
+    const std::vector<double> corners = numbersOf(array);
+    if (corners.size() < 4) return std::nullopt;
+    const TextBox box{std::min(corners[0], corners[2]), std::min(corners[1], corners[3]),
+                      std::abs(corners[2] - corners[0]), std::abs(corners[3] - corners[1])};
+    return box.width > 0 && box.height > 0 ? std::optional(box) : std::nullopt;
+}
+
+double borderWidth(const Dictionary& widget, const Dictionary& style, const References& references) {
+    const auto width = numberOf(references.follow(style.find("W")));
+    if (width) return std::clamp(*width, 0.0, 100.0);
+    const std::vector<double> border = numbersOf(references.follow(widget.find("Border")));
+    return border.size() >= 3 ? std::clamp(border[2], 0.0, 100.0) : 1;
+}
+
+}  // namespace
+
+// What a widget is to show.
+struct FormUpdate::Shown {
+    TextStyle style;
+    std::string codes;
+    std::string fontEntry;  // value of the font in /Resources
+    const FieldFont* font = nullptr;
+    std::string box;  // of an appearance made anew
+    std::string matrix;
+    std::string content;
+    const CPdfObj* old = nullptr;      // appearance stream that is there
+    std::optional<StreamParts> parts;  // of it, when its surroundings of the text are kept
+};
+
+FormUpdate::FormUpdate(CPdf& pdf, FormTree& tree)
+    : pdf_(pdf),
+      tree_(tree),
+      fontsOfForm_(tree.follow(Dictionary(tree.follow(tree.form().find("DR"))).find("Font"))),
+      next_(std::max(pdf.GetLastTrailer()->GetSize(), pdf.get_max_obj_num_from_map() + 1)) {}
+
+std::string& FormUpdate::changed(const CPdfObj& object) {
+    const auto [text, isNew] = texts_.try_emplace(object.GetObjNum());
+    if (isNew) text->second = object.content();
+    return text->second;
+}
+
+// A value that may be shared by many widgets. Together they may not cost more than the budget.
+std::string_view FormUpdate::part(std::string_view value) {
+    const std::string_view followed = tree_.follow(value);
+    if (followed.size() > budget_) return {};
+    budget_ -= followed.size();
+    return followed;
+}
+
+void FormUpdate::setValue(const FormField& field, std::u32string_view value) {
+    std::string& text = changed(*field.object);
+    text = withEntry(text, "V", textStringObject(value));
+    text = withEntry(text, "RV", "");  // the same value as rich text, which would win in viewers that know it
+    const std::u32string shown = withLineFeeds(value);
+    for (CPdfObj* const widget : field.widgets) showValue(field, *widget, shown);
+}
+
+FormUpdate::Shown FormUpdate::styleOf(const FormField& field, const Dictionary& widget) {
+    Shown shown;
+    const auto own = [&](const char* key, std::string_view inherited) {
+        const std::string_view value = widget.find(key);
+        return tree_.follow(value.empty() ? inherited : value);
+    };
+    const std::string_view appearance = own("DA", field.attributes.appearance);
+    if (appearance.size() <= kLongestAppearance) {
+        shown.style.appearance = parseDefaultAppearance(stringOf(appearance).value_or(""));
+    }
+    const double quadding = numberOf(own("Q", field.attributes.quadding)).value_or(0);
+    shown.style.quadding = static_cast<int>(std::clamp(quadding, 0.0, 2.0));
+    shown.style.multiline = (field.flags() & kMultiline) != 0;
+    const double most = numberOf(tree_.follow(field.attributes.maxLength)).value_or(0);
+    const bool comb = (field.flags() & kComb) != 0 && !shown.style.multiline && most >= 1;
+    constexpr double kMostCells = 10'000;
+    shown.style.cells = comb ? static_cast<int>(std::min(most, kMostCells)) : 0;
+    return shown;
+}
+
+void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32string_view value) {
+    const Dictionary own(widget.content());
+    const auto rect = boxOf(part(own.find("Rect")));
+    if (!rect) return;  // a field without a place on a page shows nothing
+    const Dictionary look(part(own.find("MK")));
+    const Dictionary lines(part(own.find("BS")));
+    Shown shown = styleOf(field, own);
+    shown.style.border = borderWidth(own, lines, tree_);
+
+    shown.old = tree_.object(Dictionary(part(own.find("AP"))).find("N"));
+    if (shown.old != nullptr) shown.parts = streamParts(shown.old->content(), tree_, budget_);
+    const Dictionary form(shown.parts ? shown.parts->head : std::string_view{});
+    const auto oldBox = boxOf(part(form.find("BBox")));
+    if (!oldBox || !markedText(shown.parts->data)) shown.parts.reset();
+
+    const bool hidden = (field.flags() & kPassword) != 0;
+    chooseFont(shown, part(form.find("Resources")),
+               hidden ? std::u32string(value.size(), U'*') : std::u32string(value));
+    if (shown.font == nullptr) {
+        leaveToViewers(widget);
+        return;
+    }
+    const auto rotation = numberOf(look.find("R")).value_or(0);
+    const Frame frame = frameOf(rect->width, rect->height, static_cast<int>(rotation));
+    const TextBox box = shown.parts ? *oldBox : frame.box;
+    const std::string text = fieldText(box, shown.style, *shown.font, shown.codes);
+    if (shown.parts) {
+        shown.content = withMarkedText(shown.parts->data, text);
+    } else {
+        shown.content = decoration(look, lines, box, shown.style.border) + withMarkedText({}, text);
+        shown.box = varnpdf::text("[0 0 ", decimal(box.width), ' ', decimal(box.height), ']');
+        shown.matrix = frame.matrix;
+    }
+    writeAppearance(widget, shown);
+}
+
+std::string_view FormUpdate::fontEntry(std::string_view resources, std::string_view name) const {
+    return Dictionary(tree_.follow(Dictionary(resources).find("Font"))).find(nameOf(text('/', name)));
+}
+
+const std::optional<FieldFont>& FormUpdate::fontOf(std::string_view value) {
+    const auto [font, isNew] = fonts_.try_emplace(std::string(value));
+    if (isNew) font->second = FieldFont::from(tree_.follow(value), tree_);
+    return font->second;
+}
+
+void FormUpdate::useFont(Shown& shown, std::string_view entry, std::u32string_view value) {
+    if (entry.empty() || entry.size() > budget_) return;
+    budget_ -= entry.size();
+    const auto& font = fontOf(entry);
+    auto codes = font ? font->encode(value) : std::nullopt;
+    if (!codes) return;
+    shown.codes = std::move(*codes);
+    shown.fontEntry = entry;
+    shown.font = &*font;
+}
+
+// The field's own font when it has all characters, else Helvetica, else none.
+void FormUpdate::chooseFont(Shown& shown, std::string_view resources, std::u32string_view value) {
+    std::string& name = shown.style.appearance.font;
+    if (!name.empty()) {
+        useFont(shown, fontsOfForm_.find(nameOf(text('/', name))), value);
+        if (shown.font == nullptr) useFont(shown, fontEntry(resources, name), value);
+        if (shown.font != nullptr) return;
+    }
+    auto codes = FieldFont::helvetica().encode(value);
+    if (!codes) return;
+    shown.codes = std::move(*codes);
+    shown.fontEntry = substituteFont();
+    shown.font = &FieldFont::helvetica();
+    name = kSubstituteName;
+}
+
+std::string FormUpdate::substituteFont() {
+    if (substitute_ == 0) {
+        substitute_ = next_++;
+        texts_[substitute_] = text(substitute_, " 0 obj\r\n", "<<\r\n/Type /Font\r\n/Subtype /Type1\r\n",
+                                   "/BaseFont /Helvetica\r\n/Encoding /WinAnsiEncoding\r\n>>\r\nendobj\r\n");
+    }
+    return text(substitute_, " 0 R");
+}
+
+std::string FormUpdate::resourcesWith(std::string_view resources, const Shown& shown) {
+    const std::string_view fonts = part(Dictionary(resources).find("Font"));
+    const std::string more =
+        withEntry(fonts.starts_with("<<") ? fonts : "<<>>", shown.style.appearance.font, shown.fontEntry);
+    return withEntry(resources.starts_with("<<") ? resources : "<<>>", "Font", more);
+}
+
+void FormUpdate::writeAppearance(CPdfObj& widget, const Shown& shown) {
+    const bool reuse = shown.old != nullptr && !isShared(shown.old->GetObjNum());
+    int number = reuse ? shown.old->GetObjNum() : 0;
+    if (!reuse) {
+        int& made = made_[widget.GetObjNum()];
+        if (made == 0) made = next_++;
+        number = made;
+    }
+    std::string head = text(number, " 0 obj\r\n");
+    if (shown.parts) {
+        append(head, objectValue(shown.parts->head));
+    } else {
+        append(head, "<<\r\n/Type /XObject\r\n/Subtype /Form\r\n/BBox ", shown.box, "\r\n");
+        if (!shown.matrix.empty()) append(head, "/Matrix ", shown.matrix, "\r\n");
+        append(head, ">>");
+    }
+    if (!shown.codes.empty()) {
+        const std::string resources(part(Dictionary(head).find("Resources")));
+        if (fontEntry(resources, shown.style.appearance.font) != shown.fontEntry) {
+            head = withEntry(head, "Resources", resourcesWith(resources, shown));
+        }
+    }
+    texts_[number] = streamObject(head, shown.content, shown.parts && shown.parts->packed);
+
+    const auto known = texts_.find(widget.GetObjNum());
+    const Dictionary own(known == texts_.end() ? widget.content() : std::string_view(known->second));
+    const Dictionary appearances(own.find("AP"));
+    const bool leadsThere = appearances.entries().size() == 1 && referenceOf(appearances.find("N")) == number;
+    if (leadsThere) return;
+    std::string& text = changed(widget);
+    text = withEntry(text, "AP", varnpdf::text("<</N ", number, " 0 R>>"));
+}
+
+// Without an appearance a viewer makes one, with the fonts that it has.
+void FormUpdate::leaveToViewers(CPdfObj& widget) {
+    std::string& text = changed(widget);
+    text = withEntry(text, "AP", "");
+    needAppearances_ = true;
+}
+
+bool FormUpdate::isShared(int appearance) {
+    if (!usesKnown_) {
+        for (const FormField& field : tree_.fields()) {
+            for (const CPdfObj* const widget : field.widgets) {
+                const std::string_view value = tree_.follow(Dictionary(widget->content()).find("AP"));
+                if (const auto number = referenceOf(Dictionary(value).find("N"))) ++uses_[*number];
+            }
+        }
+        usesKnown_ = true;
+    }
+    const auto found = uses_.find(appearance);
+    return found != uses_.end() && found->second > 1;
+}
+
+// Values in /XFA would be shown instead of those of the fields (ISO 32000-2 annex K).
+void FormUpdate::updateForm() {
+    CPdfObj* const holder = tree_.formHolder();
+    const bool needed = needAppearances_ && tree_.follow(tree_.form().find("NeedAppearances")) != "true";
+    const bool hasXfa = !tree_.form().find("XFA").empty();
+    if (holder == nullptr || (!needed && !hasXfa)) return;
+    std::string& object = changed(*holder);
+    std::string form(tree_.formIsDirect() ? Dictionary(object).find("AcroForm") : std::string_view(object));
+    if (needed) form = withEntry(form, "NeedAppearances", "true");
+    form = withEntry(form, "XFA", "");
+    object = tree_.formIsDirect() ? withEntry(object, "AcroForm", form) : form;
+}
+
+void FormUpdate::write() {
+    pdf_.ResetByteStream(pdf_.GetContentLen());
+    pdf_.WriteOld2ByteStream();
+    if (texts_.empty()) return;
+    updateForm();
+    writeObjects();
+}
+
+// The table is put together here: subsections added one by one would cost the square of their number.
+void FormUpdate::writeObjects() {
+    const std::string_view old = pdf_.view();
+    if (!old.empty() && !isEol(old.back())) pdf_.print("\r\n");
+    std::vector<std::pair<int, std::vector<int>>> runs;  // first number, offsets
+    for (const auto& [number, text] : texts_) {
+        const bool follows = !runs.empty() && runs.back().first + static_cast<int>(runs.back().second.size()) == number;
+        if (!follows) runs.emplace_back(number, std::vector<int>{});
+        runs.back().second.push_back(pdf_.GetByteStreamLen());
+        pdf_.print(objectText(number, 0, text));
+    }
+    CPdfXRefContainer xrefs;
+    auto subsections = std::make_unique<CPdfXRef[]>(runs.size());
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        const auto& [first, offsets] = runs[i];
+        subsections[i].SetRef(first, static_cast<int>(offsets.size()));
+        for (std::size_t k = 0; k < offsets.size(); ++k) subsections[i].GetRefEntry()[k].SetPos(offsets[k]);
+    }
+    xrefs.SetXRef(subsections.release());
+    xrefs.SetXRefNum(static_cast<int>(runs.size()));
+    CPdfTrailer* const trailer = pdf_.GetUpdateTrailer();
+    trailer->SetSize(std::max(trailer->GetSize(), next_));
+    pdf_.WriteTrailer(&xrefs, trailer, true, false);
+}
+
+}  // namespace varnpdf

@@ -1,0 +1,142 @@
+// CPdf: reading the text fields of a form and appending the changed ones.
+#include <unordered_set>
+
+#include "forms/Dictionary.h"
+#include "forms/FormTree.h"
+#include "model/DictionaryEntry.h"
+#include "model/ObjectTable.h"
+#include "support/Limits.h"
+#include "support/Log.h"
+#include "syntax/Reference.h"
+#include "varnpdf/Pdf.h"
+#include "varnpdf/PdfFields.h"
+
+using namespace varnpdf;
+
+namespace {
+
+constexpr std::string_view kBlanks = " \n\r\t";
+constexpr int kParentheses = 0;
+
+// The first word of a default appearance, without the slash it begins with.
+std::string fontName(std::string_view appearance) {
+    Cursor cursor(stripBrackets(appearance, kParentheses), 1);
+    cursor.skip(kIsCSpace);
+    const std::string_view rest = cursor.rest();
+    return std::string(rest.substr(0, rest.find_first_of(kCSpace)));
+}
+
+// The object number behind a key in the text of /AP: from three characters behind the key's slash to the next name or
+// the end of the dictionary.
+std::optional<int> appearanceNumber(std::string_view link, std::string_view key) {
+    const std::size_t at = link.find(key);
+    if (at == std::string_view::npos || at + 3 > link.size()) return std::nullopt;
+    std::string_view reference = link.substr(at + 3);
+    const std::size_t begin = reference.find_first_not_of("/>");
+    if (begin == std::string_view::npos) return std::nullopt;
+    reference = reference.substr(begin);
+    reference = reference.substr(0, reference.find_first_of("/>"));
+    reference.remove_suffix(reference.empty() ? 0 : 1);
+    return Cursor(reference).takeInt();
+}
+
+}  // namespace
+
+CPdfObj* CPdf::GetObjWithFieldsEntry() {
+    CPdfObj* const catalogue = lastTrailer_ ? referencedObject(lastTrailer_->root()) : nullptr;
+    const std::string_view form =
+        catalogue == nullptr ? std::string_view{} : entryValue(catalogue->content(), "/AcroForm");
+    CPdfObj* const holder = form.starts_with("<<") ? catalogue : referencedObject(form);
+    if (holder == nullptr) return nullptr;
+    const std::string_view dictionary = holder == catalogue ? form : holder->content();
+    return findLaterEntry(dictionary, "/Fields") ? holder : nullptr;
+}
+
+CPdfFieldContainer* CPdf::ReadFields() {
+    auto container = std::make_unique<CPdfFieldContainer>();
+    if (lastTrailer_) SetObjNum(lastTrailer_->GetSize());
+    if (const CPdfObj* const holder = GetObjWithFieldsEntry()) {
+        const bool isCatalogue = entryValue(holder->content(), "/Type") == "/Catalog";
+        CAcroFormObj form;
+        form.setContent(isCatalogue ? entryValue(holder->content(), "/AcroForm") : holder->content());
+        // Resources and their fonts may stand in objects of their own.
+        const auto inlined = [&](std::string_view text, const char* key) {
+            const CPdfObj* const object = referencedObject(Dictionary(text).find(key));
+            return object == nullptr ? std::string(text) : withEntry(text, key, objectValue(object->content()));
+        };
+        std::string resources = inlined(form.content(), "DR");
+        const std::string fonts = inlined(Dictionary(resources).find("DR"), "Font");
+        if (!fonts.empty()) resources = withEntry(resources, "DR", fonts);
+        form.setContent(resources);
+        container->SetFontContainer(form.ReadFontContainer());
+    }
+    // The last slot is not visited: hosts know the numbers that this gives.
+    objects_->forEach(objectCount_ - 2, [&](int slot, CPdfObj& obj) {
+        if (slot > 0 && !obj.content().empty()) readField(obj, *container);
+    });
+    ReadApperanceObjects(container.get());
+    return container.release();
+}
+
+void CPdf::readField(CPdfObj& obj, CPdfFieldContainer& container) {
+    const std::string_view text = obj.content();
+    const std::string_view name = entryValue(text, "/T");
+    if (name.find('(') == std::string_view::npos) return;
+    std::string_view value = entryValue(text, "/V");
+    if (const CPdfObj* const held = referencedObject(value)) {
+        const std::string_view string = objectValue(held->content());
+        if (string.starts_with('(')) value = string;
+    }
+    CPdfField field(&obj, 0);
+    field.setTag(stripBrackets(trim(name, kBlanks), kParentheses));
+    field.setOrgValue(stripBrackets(value, kParentheses));
+    field.setAppearanceLink(entryValue(text, "/AP"));
+    const std::string font = fontName(entryValue(text, "/DA"));
+    CPdfFontContainer* const fonts = container.GetFontContainer();
+    if (fonts != nullptr) field.SetFont(fonts->GetFontByShortName(font.c_str()));
+    container.AddField(&field);
+}
+
+void CPdf::ReadApperanceObjects(CPdfFieldContainer* container) {
+    if (container == nullptr) return;
+    // Fields may share one long stream, and each gets a copy.
+    std::size_t budget = limits::kObjectBytesBase + limits::kObjectBytesPerByte * contentLen_;
+    for (int i = 0; i < container->GetFieldNum(); ++i) {
+        CPdfField& field = *container->GetFields(i);
+        std::string_view link = field.appearanceLink();
+        if (const CPdfObj* const held = link.starts_with("<<") ? nullptr : referencedObject(link))
+            link = held->content();
+        for (const char* const key : {"/N", "/R", "/D"}) {
+            const auto number = appearanceNumber(link, key);
+            CPdfObj* const stream = number ? objects_->find(*number) : nullptr;
+            if (stream == nullptr || stream->content().empty() ||
+                field.GetAppearanceCount() >= CPdfField::kAppearances) {
+                continue;
+            }
+            if (stream->content().size() > budget) {
+                logError(m_logger, "ReadApperanceObjects: zu viele Daten, Obj ", *number);
+                return;
+            }
+            budget -= stream->content().size();
+            *field.GetAppearanceObj(field.GetAppearanceCount()) = *stream;
+            field.SetAppearanceCount(field.GetAppearanceCount() + 1);
+        }
+    }
+}
+
+int CPdf::AppendObjects(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer* container) {
+    if (container == nullptr) return 0;
+    std::unordered_set<int> written;
+    for (int i = 0; i < container->GetFieldNum(); ++i) {
+        CPdfField& field = *container->GetFields(i);
+        if (field.GetIsNew() != 1) continue;
+        WriteTextAnnotation(trailer, xrefs, field.GetOrgObj());
+        for (int k = 0; k < field.GetAppearanceCount(); ++k) {
+            CPdfObj* const appearance = field.GetAppearanceObj(k);
+            if (appearance != nullptr && written.insert(appearance->GetObjNum()).second) {
+                WriteTextAnnotation(trailer, xrefs, appearance);
+            }
+        }
+    }
+    return container->GetFieldNum();
+}

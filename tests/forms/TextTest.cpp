@@ -1,0 +1,154 @@
+// Text of fields: strings, dictionaries edited as text, layout, replacing what an appearance shows.
+#include <gtest/gtest.h>
+
+#include "forms/AppearanceContent.h"
+#include "forms/Dictionary.h"
+#include "forms/TextLayout.h"
+#include "forms/TextString.h"
+
+namespace {
+
+using namespace std::literals;
+using namespace varnpdf;
+
+TEST(TextString, ObjectsReadBackAsTheyWereMeant) {
+    struct Row {
+        std::string_view utf8, object;
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"", "()"},
+        {"Grüße", R"((Gr\374\337e))"},
+        {"a(b)c", R"((a\(b\)c))"},
+        {"(", R"((\())"},
+        {"end\\", R"((end\134))"},                  // no "\\)" that could be taken for an escaped parenthesis
+        {"1\r\n2\t3", R"((1\015\0122\0113))"},
+        {"€ Š", R"((\240 \227))"},
+        {"x endobj y", R"((x \145ndobj y))"},
+        {"endstream", R"((end\163tream))"},
+        {"Łódź", "<FEFF014100F30064017A>"},
+        {"😀", "<FEFFD83DDE00>"},
+        {"þÿ", "<FEFF00FE00FF>"},                   // would be a byte order mark
+        {"\x07", "<FEFF0007>"},
+    };
+    // clang-format on
+    for (const auto& [utf8, object] : rows) {
+        EXPECT_EQ(textStringObject(fromUtf8(utf8)), object);
+        EXPECT_EQ(toUtf8(decodeTextString(stringOf(object).value())), utf8) << object;
+    }
+    EXPECT_EQ(toUtf8(fromUtf8("Gr\xFC\xDF")), "Grüß");  // no UTF-8, so Latin-1
+    EXPECT_EQ(toUtf8(decodeTextString("\xFF\xFE\x41\x00\x00\xD8"sv)), "A\uFFFD");
+    EXPECT_EQ(toUtf8(decodeTextString("\xEF\xBB\xBFü")), "ü");
+}
+
+TEST(Dictionary, EntriesAreReplacedWhereEveryViewerSeesThem) {
+    struct Row {
+        std::string_view text, key, value, result;
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"<</V (a)>>", "V", "(b)", "<</V (b)>>"},
+        {"5 0 obj\n<</T (V) /V/V/X 1>>\nendobj", "V", "(b)", "5 0 obj\n<</T (V) /V (b)/X 1>>\nendobj"},
+        {"<</T ((V) \\) /V 1)/V 2>>", "V", "", "<</T ((V) \\) /V 1)>>"},
+        {"<</K<</V 1>>%/V 2\n>>", "V", "3", "<</K<</V 1>>%/V 2\n/V 3\r\n>>"},
+        {"<</V 1/#56 2>>", "V", "3", "<</V 3>>"},            // the same name, twice
+        {"<<>> stream\n<</V 1>>", "V", "3", "<<\r\n/V 3\r\n>> stream\n<</V 1>>"},
+        {"<</V 1 0 R /W[1 0 R]>>", "V", "()", "<</V () /W[1 0 R]>>"},
+        {"<</A (open", "V", "1", "<</A (open"},
+        {"[1 2]", "V", "1", "[1 2]"},
+    };
+    // clang-format on
+    for (const auto& [text, key, value, result] : rows) EXPECT_EQ(withEntry(text, key, value), result);
+    EXPECT_EQ(Dictionary("<</V 1/V 2/X null>>").find("V"), "2");
+    EXPECT_EQ(Dictionary("<</V 1/V 2/X null>>").find("X"), "");
+}
+
+TEST(Layout, TextStandsWhereTheFieldSaysIt) {
+    struct Row {
+        std::string_view appearance;
+        int quadding;
+        bool multiline;
+        int cells;
+        std::string_view codes, text;
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"/Helv 10 Tf 0 g", 0, false, 0, "Hi", "0 g\n/Helv 10 Tf\n2 7.5 Td\n(Hi) Tj\n"},
+        {"/Helv 10 Tf 0 g", 2, false, 0, "Hi", "0 g\n/Helv 10 Tf\n88.56 7.5 Td\n(Hi) Tj\n"},    // 9.44 wide
+        {"/Helv 10 Tf 0 g", 1, false, 0, "Hi", "0 g\n/Helv 10 Tf\n45.28 7.5 Td\n(Hi) Tj\n"},
+        {"0 0 1 rg /F#20x 200 Tf", 2, false, 0, "Hi", "0 0 1 rg\n/F#20x 200 Tf\n2 -40 Td\n(Hi) Tj\n"},  // wider
+        {"/Helv 0 Tf", 0, false, 0, "Hi", "/Helv 12.6 Tf\n2 6.85 Td\n(Hi) Tj\n"},
+        {"/Helv 0 Tf", 0, false, 0, "(a)\nb", "/Helv 12.6 Tf\n2 6.85 Td\n(\\(a\\) b) Tj\n"},
+        {"/Helv 5 Tf", 0, true, 0, "a\n\nb", "/Helv 5 Tf\n2 14.25 Td\n(a) Tj\n0 -11.5 Td\n(b) Tj\n"},
+        {"/Helv 5 Tf", 0, true, 0, "aaaaaaaaaaaaaaaaaaaa bbbbbbbbbbbbbbbbbbbb",
+         "/Helv 5 Tf\n2 14.25 Td\n(aaaaaaaaaaaaaaaaaaaa) Tj\n0 -5.75 Td\n(bbbbbbbbbbbbbbbbbbbb) Tj\n"},
+        {"/Helv 10 Tf", 0, false, 4, "ii", "/Helv 10 Tf\n11.39 7.5 Td\n(i) Tj\n25 0 Td\n(i) Tj\n"},
+        {"/Helv 10 Tf", 2, false, 4, "i", "/Helv 10 Tf\n86.39 7.5 Td\n(i) Tj\n"},
+    };
+    // clang-format on
+    for (const auto& [appearance, quadding, multiline, cells, codes, text] : rows) {
+        const TextStyle style{parseDefaultAppearance(appearance), quadding, multiline, cells, 1};
+        const std::string found = fieldText({0, 0, 100, 20}, style, FieldFont::helvetica(), codes);
+        EXPECT_EQ(found, "q\n1 1 98 18 re\nW\nn\nBT\n" + std::string(text) + "ET\nQ\n") << appearance << ' ' << codes;
+    }
+    // A size of its own shrinks until all lines fit.
+    const TextStyle style{{"F", 0, ""}, 0, true, 0, 1};
+    EXPECT_NE(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), "many words in a small box").find("/F 8 Tf"),
+              std::string::npos);
+    EXPECT_EQ(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), ""), "");
+}
+
+TEST(Appearance, OnlyTheShownTextChanges) {
+    struct Row {
+        std::string_view content, codes, result;
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"0 g /Tx BMC q BT /F 9 Tf 2 3 Td (old) Tj ET Q EMC S", "new",
+         "0 g /Tx BMC q BT /F 9 Tf 2 3 Td (new) Tj ET Q EMC S"},
+        {"(keep) Tj /Tx BMC /P <</MCID 0>> BDC [(a) -3 (b)] TJ EMC 0 -9 Td (second) Tj EMC (keep) Tj", "new",
+         "(keep) Tj /Tx BMC /P <</MCID 0>> BDC (new) Tj EMC 0 -9 Td  EMC (keep) Tj"},
+        {"BT (EMC \\) ) Tj ET", "n)", "BT (n\\)) Tj ET"},
+        {"/Tx BMC 3 w <41> ' EMC", "", "/Tx BMC 3 w () Tj EMC"},
+        {"/Tx BMC EMC", "new", "-"},
+        {"/Tx BMC (open", "new", "-"},
+    };
+    // clang-format on
+    for (const auto& [content, codes, result] : rows) {
+        EXPECT_EQ(withShownCodes(content, codes).value_or("-"), result) << content;
+    }
+    EXPECT_EQ(withMarkedText("1 g f /Tx BMC q (a) Tj Q EMC S", "T\n"), "1 g f /Tx BMC\nT\nEMC S");
+    EXPECT_EQ(withMarkedText("anything", "T\n"), "/Tx BMC\nT\nEMC\n");
+}
+
+struct NoReferences : References {
+    [[nodiscard]] std::string_view follow(std::string_view value) const override { return value; }
+};
+
+TEST(Font, CodesAreTheFontsOwn) {
+    struct Row {
+        std::string_view font, utf8, codes;  // "-": the font lacks a character, "!": no font for text
+    };
+    // clang-format off
+    const Row rows[] = {
+        {"<</Subtype/Type1/BaseFont/Helvetica/Encoding/WinAnsiEncoding>>", "ä€", "\xE4\x80"},
+        {"<</Subtype/Type1/BaseFont/Helvetica/Encoding/PDFDocEncoding>>", "ä€", "\xE4\xA0"},
+        {"<</Subtype/Type1/BaseFont/Times-Roman/Encoding/MacRomanEncoding>>", "ä", "\x8A"},
+        {"<</Subtype/Type1/BaseFont/Courier>>", "’ä", "-"},                                   // StandardEncoding
+        {"<</Subtype/Type1/BaseFont/Courier>>", "’", "\x27"},
+        {"<</Subtype/Type1/BaseFont/Helvetica/Encoding<</Differences[1/aogonek/uni00E4 65/B]>>>>", "ąäB", "\x01\x02" "A"},
+        {"<</Subtype/TrueType/BaseFont/X/FirstChar 65/Widths[500 0 700]>>", "AC", "AC"},
+        {"<</Subtype/TrueType/BaseFont/X/FirstChar 65/Widths[500 0 700]>>", "B", "-"},       // not in the subset
+        {"<</Subtype/Type1/BaseFont/Unknown>>", "A", "!"},
+        {"<</Subtype/Type1/BaseFont/ZapfDingbats>>", "A", "!"},
+        {"<</Subtype/Type0/BaseFont/X>>", "A", "!"},
+    };
+    // clang-format on
+    for (const auto& [dictionary, utf8, codes] : rows) {
+        const auto font = FieldFont::from(dictionary, NoReferences{});
+        EXPECT_EQ(font ? font->encode(fromUtf8(utf8)).value_or("-") : "!", codes) << dictionary << utf8;
+    }
+    EXPECT_NEAR(FieldFont::helvetica().width("Ai"), 0.667 + 0.222, 0.0005);
+}
+
+}  // namespace
