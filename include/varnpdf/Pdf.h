@@ -22,6 +22,7 @@ class Bytes;
 class KeywordSearch;
 class ObjectTable;
 class Preparation;
+class SecurityStore;
 struct Appearance;
 struct ByteRange;
 struct FieldWidths;
@@ -329,6 +330,7 @@ public:
 private:
     friend class CPdfSign;
     friend class varnpdf::Preparation;
+    friend class varnpdf::SecurityStore;
 
     struct FileCloser {
         void operator()(std::FILE* file) const noexcept;

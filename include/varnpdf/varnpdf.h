@@ -3,6 +3,7 @@
 
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Pdf.h"
+#include "varnpdf/PdfDSS.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfLockInfo.h"
@@ -11,5 +12,6 @@
 #include "varnpdf/PdfSign.h"
 #include "varnpdf/PdfTrailer.h"
 #include "varnpdf/PdfXRef.h"
+#include "varnpdf/Sha.h"
 #include "varnpdf/TokHelp.h"
 #include "varnpdf/result.h"
