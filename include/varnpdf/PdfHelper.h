@@ -138,8 +138,8 @@ public:
     // Streams and DER
 
     /// Inflates one zlib stream (RFC 1950), despite the name. `*outLen` is the room of `out` and becomes the length of
-    /// the result. The status of zlib's uncompress: 0, -5 (Z_BUF_ERROR: too little room, or the data ends too early),
-    /// -3 (Z_DATA_ERROR), -4 (Z_MEM_ERROR); -2 (Z_STREAM_ERROR) for a null argument.
+    /// the result. The status of zlib's uncompress: 0, -3 (Z_DATA_ERROR: damaged, or it ends too early), -4
+    /// (Z_MEM_ERROR), -5 (Z_BUF_ERROR: too little room); -2 (Z_STREAM_ERROR) for a null argument.
     static int Deflate(unsigned char* in, unsigned int inLen, unsigned char* out, unsigned long* outLen);
     /// Big-endian unsigned value of `width` bytes (ISO 32000-2 7.5.8.3); 0 for `width` below 1.
     static int getStreamValue(const void* bytes, int width);

@@ -46,8 +46,8 @@ void SecurityStore::write(int number, int generation, std::string_view text) {
 std::string SecurityStore::extended(std::string_view value, const std::vector<int>& added) const {
     const Resolved found = resolve(value);
     const auto items = store::readItems(found.text);
+    if (added.empty() && (items || store::referenceIn(value))) return std::string(value);
     if (!items && (found.holder == nullptr || !found.text.starts_with("<<"))) return face_.append_to_array(added);
-    if (items && added.empty()) return std::string(value);
     std::string out = "[";
     for (const std::string_view item : items.value_or(std::vector<std::string_view>{value})) {
         if (item != "null") append(out, out.size() > 1 ? " " : "", item);
@@ -163,7 +163,10 @@ void SecurityStore::updateCatalogue() {
     const auto bodyBegin = static_cast<std::size_t>(body.data() - whole.data());
     if (const store::KeyValue* const old = catalogueEntries_.find("/DSS")) {
         const auto begin = static_cast<std::size_t>(old->value.data() - whole.data());
-        changed.replace(begin, old->value.size(), text(' ', reference, ' '));
+        const std::size_t end = begin + old->value.size();
+        const char* const before = isRegular(whole[begin - 1]) ? " " : "";
+        const char* const behind = end < whole.size() && isRegular(whole[end]) ? " " : "";
+        changed.replace(begin, old->value.size(), text(before, reference, behind));
     } else {
         logDebug(logger_, "Root-Objekt um /DSS Tag erweitern da vorher noch kein DSS vorhanden");
         changed.insert(bodyBegin + catalogueEntries_.close, text("/DSS ", reference, lineEnd_));

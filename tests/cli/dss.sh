@@ -88,7 +88,7 @@ for kind in in streams; do
     run 0 '' dss two.pdf -o "$kind-dss.pdf" --signature 0 --cert signer.der ca.pem --crl ca.crl --ocsp answer.der
     same "old bytes of $kind" '' "$(cmp -n "$(wc -c <two.pdf)" two.pdf "$kind-dss.pdf")"
     same "store of $kind" '/Certs 2;/CRLs 1;/OCSPs 1;signature 0 2 1 1;signature 1 0 0 0;' "$(contents "$kind-dss.pdf" one)"
-    same "qpdf --check of $kind" '' "$(qpdf --check "$kind-dss.pdf" 2>&1 | grep -iE 'warning|error|damaged')"
+    same "qpdf --check of $kind" 0 "$(qpdf --check "$kind-dss.pdf" >/dev/null 2>&1; echo $?)"
     run 0 '' verify "$kind-dss.pdf" --trust ca.pem
     same "signatures of $kind" 2 "$(grep -c '  result  *intact' out)"
     if command -v pdfsig >/dev/null; then
@@ -98,7 +98,7 @@ for kind in in streams; do
     run 0 '' dss "$kind-dss.pdf" -o "$kind-dss.pdf" --crl crl.der
     same "second store of $kind" '/Certs 2;/CRLs 2;/OCSPs 1;signature 0 2 1 1;signature 1 0 1 0;' \
         "$(contents "$kind-dss.pdf" two)"
-    same "second check of $kind" '' "$(qpdf --check "$kind-dss.pdf" 2>&1 | grep -iE 'warning|error|damaged')"
+    same "second check of $kind" 0 "$(qpdf --check "$kind-dss.pdf" >/dev/null 2>&1; echo $?)"
     run 0 '' verify "$kind-dss.pdf" --trust ca.pem
     for pair in 'one-Certs0 signer.der' 'one-CRLs0 crl.der' 'two-CRLs1 crl.der' 'one-OCSPs0 answer.der'; do
         # shellcheck disable=SC2086
@@ -116,8 +116,9 @@ has 'the CRL does revoke' 'certificate revoked' \
 has 'OCSP check' 'one-Certs0.pem: good' "$(openssl ocsp -respin one-OCSPs0 -CAfile one-Certs1.pem -issuer one-Certs1.pem \
     -cert one-Certs0.pem -no_nonce 2>&1)"
 taken in-dss.pdf
+cat one-Certs1.pem stored.crl >anchors.pem
 has 'the value, with stored certificates' 'Verification successful' "$(openssl cms -verify -inform DER -in value.der \
-    -content signed.bin -binary -CAfile one-Certs1.pem -crl_check -CRLfile stored.crl -purpose any -out /dev/null 2>&1)"
+    -content signed.bin -binary -CAfile anchors.pem -crl_check -purpose any -out /dev/null 2>&1)"
 
 # --- shown by info ------------------------------------------------------------------------------------------------------
 run 0 '' info in-dss.pdf

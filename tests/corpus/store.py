@@ -26,7 +26,7 @@ class Document:
     def __init__(self, path):
         self.path = path
         out = run("qpdf", "--json=2", "--json-stream-data=none", str(path))[1]
-        self.objects = json.loads(out)["qpdf"][1]
+        self.objects = json.loads(out.decode(errors="surrogateescape"))["qpdf"][1]
         self.catalogue = self.get(self.objects["trailer"]["value"]["/Root"])
         self.store = self.get(self.catalogue.get("/DSS")) or {}
 

@@ -9,12 +9,14 @@
 #include "support/LogCapture.h"
 #include "support/OpenedPdf.h"
 #include "support/PdfBuilder.h"
+#include "support/Text.h"
 #include "varnpdf/PdfDSS.h"
 #include "varnpdf/result.h"
 
 namespace {
 
 using namespace varnpdf::test;
+using varnpdf::text;
 using Records = std::vector<pdf_dss_struct>;
 
 // SHA-1 of the bytes 30 82 00 00, of 01 and of 02 00
@@ -26,6 +28,7 @@ const std::string kEmptyEntry = " << /OCSP [] /CRL [] /Cert []>>";
 
 int append(const std::string& in, std::string out, Records records, bool overwrite = true) {
     std::string path = in;
+    records.reserve(1);  // an array without records is one all the same
     return c_pdf_dss().append_dss(path.data(), out.data(), records.data(), static_cast<int>(records.size()), overwrite);
 }
 
@@ -36,7 +39,7 @@ std::string stored(std::string_view document, const Records& records) {
     const int code = append(in.path(), out.path(), records);
     if (code != 0) return "code " + std::to_string(code);
     EXPECT_EQ(in.read(), document);
-    const std::string file = out.read();
+    std::string file = out.read();
     EXPECT_TRUE(file.starts_with(document));
     EXPECT_EQ(OpenedPdf(file).code, 0) << file.substr(document.size());
     return file;
@@ -44,8 +47,8 @@ std::string stored(std::string_view document, const Records& records) {
 
 /// Pages 2 and 3 and a signed field with each of the values; the catalogue has these entries.
 PdfBuilder signedDocument(const std::vector<std::string>& values, const std::string& catalogue = "",
-                          const std::string& lineEnd = "\n") {
-    PdfBuilder builder(lineEnd);
+                          const std::string& lineEnd = "\n", std::string_view header = "%PDF-1.7") {
+    PdfBuilder builder(lineEnd, header);
     builder.object(2, "<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
     builder.object(3, "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] >>");
     builder.object(1, "<< /Type /Catalog /Pages 2 0 R" + catalogue + ">>");
@@ -83,7 +86,7 @@ TEST(SecurityStore, NewStore) {
         " << /OCSP [] /CRL [] /Cert [12 0 R]>>\n"
         ">>\nendobj\n\n"
         "14 0 obj\n<< \n   /VRI 13 0 R\n   /OCSPs [11 0 R]\n   /CRLs [10 0 R]\n   /Certs [12 0 R]\n>>\nendobj\n\n"
-        "1 0 obj\n<< /Type /Catalog /Pages 2 0 R/DSS 14 0 R\n>>\nendobj\n"
+        "1 0 obj\n<< /Type /Catalog /Pages 2 0 R/DSS 14 0 R\n>>\nendobj\r\n"
         "xref\r\n1 1 \r\n";
     EXPECT_EQ(tail.substr(0, objects.size()), objects);
     const std::string end = "trailer\r\n<<\r\n/Size 15\r\n/Root 1 0 R\r\n/Prev " +
@@ -101,25 +104,27 @@ TEST(SecurityStore, StreamSection) {
         const char* entries;
         const char* id;
     };
+    const std::string longHeader = "%PDF-1.7" + std::string(100, ' ');
     for (const Row& row :
          {Row{"\n", "\n", "\n", "", "/ID [(000)(000)]"}, Row{"\r\n", "\r\n", "\r\n", " /ID [<AB> <CD>]", "/ID [<AB> <"},
-          Row{"\r", "\r", "\r\n", " /Info 2 0 R", "/Info 2 0 R\r  /Root 1 0 R \r  /ID [(000)(000)]"}}) {
-        const std::string nl = row.written;
+          Row{"\r", "\r", "\r\n", " /Info 2 0 R", "/Info 2 0 R\r  /Root 1 0 R \r  /ID [(000)(000)]"},
+          Row{"\n", "\r\n", "\r\n", "", "/ID [(000)(000)]"}}) {
+        const std::string_view nl = row.written;
         Closing closing{.entries = std::string("/Root 1 0 R") + row.entries};
         closing.widths[0] = 2;
-        const std::string document = signedDocument({"<01>"}, "", row.lineEnd).crossReferenceStream(6, closing).bytes();
+        const bool unknown = nl != row.lineEnd;
+        PdfBuilder builder = signedDocument({"<01>"}, "", row.lineEnd, unknown ? longHeader : "%PDF-1.7");
+        const std::string document = builder.crossReferenceStream(6, closing).bytes();
         const std::string tail = stored(document, {{0, "AQID", "", ""}}).substr(document.size());
-        const std::size_t at = tail.find("10 0 obj" + nl + "<< " + nl + "  /Type /XRef " + nl + "  /Size 11 " + nl);
+        const std::size_t at = tail.find(text("10 0 obj", nl, "<< ", nl, "  /Type /XRef ", nl, "  /Size 11 ", nl));
         ASSERT_NE(at, std::string::npos) << tail;
-        EXPECT_NE(tail.find(row.id, at), std::string::npos) << tail.substr(at);
-        EXPECT_NE(
-            tail.find("  /Index[1 1 7 4] " + nl + "  /Filter /FlateDecode  " + nl + "   /W [2 4 2]" + nl + "  /Length ",
-                      at),
-            std::string::npos)
-            << tail.substr(at);
-        EXPECT_NE(tail.find(">>" + nl + "stream" + row.behindStream + "x", at), std::string::npos) << tail.substr(at);
-        EXPECT_TRUE(tail.ends_with(nl + "endstream" + nl + "endobj" + nl + "startxref" + nl +
-                                   std::to_string(document.size() + at) + nl + "%%EOF" + nl));
+        for (const std::string& part :
+             {std::string(row.id), text(">>", nl, "stream", row.behindStream, "x"),
+              text("  /Index[1 1 7 4] ", nl, "  /Filter /FlateDecode  ", nl, "   /W [2 4 2]", nl, "  /Length ")}) {
+            EXPECT_NE(tail.find(part, at), std::string::npos) << part << tail.substr(at);
+        }
+        EXPECT_TRUE(tail.ends_with(
+            text(nl, "endstream", nl, "endobj", nl, "startxref", nl, document.size() + at, nl, "%%EOF", nl)));
     }
 }
 
@@ -227,15 +232,18 @@ TEST(SecurityStore, OldStoresStay) {
 
 // The store and the catalogue may lie in an object stream, and the newest section may be a hybrid.
 TEST(SecurityStore, PackedObjects) {
-    for (const bool hybrid : {false, true}) {
-        PdfBuilder builder = signedDocument({"<30820000>"});
-        builder.objectStream(20, {{1, "<< /Type /Catalog /Pages 2 0 R /DSS 21 0 R >>"}, {21, "<< /Certs [22 0 R] >>"}});
+    PdfBuilder packed = signedDocument({"<30820000>"});
+    packed.objectStream(20, {{1, "<< /Type /Catalog /Pages 2 0 R /DSS 21 0 R >>"}, {21, "<< /Certs [22 0 R] >>"}});
+    PdfBuilder hybrid = signedDocument({"<30820000>"}, "/DSS 21 0 R ");
+    hybrid.object(21, "<< /Certs 19 0 R >>").objectStream(20, {{19, "[22 0 R]"}});
+    for (const bool isStream : {true, false}) {
+        PdfBuilder& builder = isStream ? packed : hybrid;
         builder.stream(22, "", "old");
-        const std::string document = hybrid ? builder.hybrid(23).bytes() : builder.crossReferenceStream(23).bytes();
+        const std::string document = isStream ? builder.crossReferenceStream(23).bytes() : builder.hybrid(23).bytes();
         const std::string file = stored(document, {{0, "AQID", "", ""}});
         EXPECT_EQ(body(file, 21), "<< \n   /VRI 25 0 R\n   /OCSPs []\n   /CRLs []\n   /Certs [22 0 R 24 0 R]\n>>");
-        EXPECT_EQ(body(file, 1), "<< /Type /Catalog /Pages 2 0 R /DSS 21 0 R >>");
-        EXPECT_EQ(file.find("/Type /XRef", document.size()) != std::string::npos, !hybrid);
+        EXPECT_NE(body(file, 1).find("/DSS 21 0 R >>"), std::string::npos);
+        EXPECT_EQ(file.find("/Type /XRef", document.size()) != std::string::npos, isStream);
     }
 }
 
@@ -260,7 +268,7 @@ TEST(SecurityStore, Keys) {
         {"<" + zeros + ">", "963DB9E83D715FDB648C04BAD49ACE2BCFAB5B1C"}};
     for (const auto& [value, key] : rows) {
         const std::string file = stored(signedDocument({value}).table().bytes(), {});
-        EXPECT_NE(file.find("/" + key + kEmptyEntry), std::string::npos) << value.substr(0, 40);
+        EXPECT_NE(file.find(text("/", key, kEmptyEntry)), std::string::npos) << value.substr(0, 40);
     }
     // Equal values share an entry; a field whose value cannot be reached has none, and its material goes nowhere.
     PdfBuilder builder = signedDocument({"<01>", "<01>"});
