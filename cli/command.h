@@ -34,6 +34,7 @@ Command addVerify(CLI::App& program);
 Command addConvert(CLI::App& program);
 Command addFields(CLI::App& program);
 Command addFill(CLI::App& program);
+Command addDss(CLI::App& program);
 
 /// "varnpdf: WHAT: SENTENCE" on standard error. `what` may be any bytes.
 void complain(const std::string& what, const std::string& sentence);

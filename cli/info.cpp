@@ -12,6 +12,7 @@
 #include "document.h"
 #include "output.h"
 #include "signatures.h"
+#include "store.h"
 #include "text.h"
 
 namespace {
@@ -34,8 +35,9 @@ struct Options {
 /// Order of the keys of one document; everything null.
 Json blankDocument(const std::string& file) {
     Json out = {{"file", cli::validUtf8(file)}};
-    for (const char* key : {"code", "version", "line_end", "linearized", "encrypted", "cross_reference", "sections",
-                            "size", "file_bytes", "objects", "page_count", "pages", "locked", "fields", "signatures"}) {
+    for (const char* key :
+         {"code", "version", "line_end", "linearized", "encrypted", "cross_reference", "sections", "size", "file_bytes",
+          "objects", "page_count", "pages", "locked", "security_store", "fields", "signatures"}) {
         out[key] = nullptr;
     }
     return out;
@@ -88,6 +90,7 @@ void addContent(CPdf& pdf, Json& out) {
     out["pages"] = pages(pdf);
     out["page_count"] = out["pages"].size();
     out["locked"] = pdf.get_lockstate() == 1;
+    out["security_store"] = cli::securityStore(pdf);
     out["fields"] = cli::signatureFields(pdf);
     out["signatures"] = cli::signatures(pdf);
 }
@@ -189,6 +192,26 @@ void printSignature(const Json& signature) {
                    : std::string(varnpdf_message(code)) + " (" + std::to_string(code) + ")");
 }
 
+std::string materialCounts(const Json& certificates, const Json& crls, const Json& responses) {
+    const auto count = [](const Json& value) { return value.is_array() ? value.size() : value.get<std::size_t>(); };
+    return counted(count(certificates), "certificate") + ", " + counted(count(crls), "CRL") + ", " +
+           counted(count(responses), "OCSP response");
+}
+
+void printStore(const Json& store) {
+    line(2, "security store", materialCounts(store["certificates"], store["crls"], store["ocsps"]));
+    for (const Json& certificate : store["certificates"]) {
+        line(4, "certificate", text(certificate["subject"]) + "; issued by " + text(certificate["issuer"]));
+    }
+    for (const Json& crl : store["crls"]) line(4, "CRL", "of " + text(crl["issuer"]));
+    for (const Json& response : store["ocsps"]) line(4, "OCSP response", "of " + text(response["responder"]));
+    for (const Json& entry : store["vri"]) {
+        const bool known = !entry["signature"].is_null();
+        line(4, known ? "for signature " + text(entry["signature"]) : "for no signature",
+             materialCounts(entry["certificates"], entry["crls"], entry["ocsps"]) + "; key " + text(entry["key"]));
+    }
+}
+
 void printForPeople(const Json& facts) {
     cli::put(text(facts["file"]) + '\n');
     line(2, "PDF version", text(facts["version"]) + ", line ends " + text(facts["line_end"]));
@@ -207,6 +230,7 @@ void printForPeople(const Json& facts) {
         line(4, isSigned ? "signed" : "empty", text(field["name"]));
     }
     for (const Json& signature : facts["signatures"]) printSignature(signature);
+    if (!facts["security_store"].is_null()) printStore(facts["security_store"]);
     if (filled > facts["signatures"].size()) {
         cli::put("  some signed fields are not numbered: they are no annotations of type /Annot themselves\n");
     }

@@ -122,6 +122,16 @@ const std::vector<std::pair<std::string, std::string>> kEntries = {
     {"/P", "<< /Perms <</P 1>> /P <3E> /Parent 1 0 R /P true >>"},
     {"/A", "[/A /B /A 2 ] << /A>>"}};
 
+// Bodies of the objects 20, 21, ...
+const std::vector<std::vector<std::string>> kStores = {
+    {"<</VRI 22 0 R/Certs 21 0 R/CRLs[]>>", "[30 0 R null 31 0 R]",
+     "<</BF8B4530D8D246DD74AC53A13471BBA17941DFF7<</Cert 21 0 R/TU(D:2026)/Type/VRI>>/00FF 23 0 R>>",
+     "<</OCSP[5 0 R]>>"},
+    {"<</VRI<</bf8b4530d8d246dd74ac53a13471bba17941dff7<</CRL[1 5 R]>> >>/Certs 20 0 R/X (a(b)\\)) % c\n>>"},
+    {"21 0 R", "20 0 R"},
+    {"<</VRI 20 0 R/V#52I[1]/Certs(x)/CRLs 5/OCSPs 1 0 R/Y>>"},
+    {"[]"}};
+
 void write(const fs::path& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
@@ -148,12 +158,17 @@ int main(int argc, char** argv) {
         return 2;
     }
     const fs::path root(argv[1]);
-    for (const char* const name : {"open", "syntax", "entry"}) fs::create_directories(root / name);
+    for (const char* const name : {"open", "syntax", "entry", "store"}) fs::create_directories(root / name);
     const auto made = documents();
     for (const auto& [name, bytes] : made) write(root / "open" / (name + ".pdf"), bytes);
     for (std::size_t i = 0; i < kTexts.size(); ++i) write(root / "syntax" / std::to_string(i), kTexts[i]);
     for (std::size_t i = 0; i < kEntries.size(); ++i) {
         write(root / "entry" / std::to_string(i), kEntries[i].first + '\0' + kEntries[i].second);
+    }
+    for (std::size_t i = 0; i < kStores.size(); ++i) {
+        std::string bodies;
+        for (const std::string& body : kStores[i]) bodies += body + '\0';
+        write(root / "store" / std::to_string(i), bodies);
     }
     std::printf("%zu documents of our own, %d of the corpus\n", made.size(), copyCorpus(root / "open"));
     return 0;

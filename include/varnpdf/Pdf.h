@@ -23,6 +23,7 @@ class FormUpdate;
 class KeywordSearch;
 class ObjectTable;
 class Preparation;
+class SecurityStore;
 struct Appearance;
 struct ByteRange;
 struct FieldWidths;
@@ -351,6 +352,7 @@ private:
     friend class CPdfSign;
     friend class varnpdf::FormUpdate;
     friend class varnpdf::Preparation;
+    friend class varnpdf::SecurityStore;
 
     struct FileCloser {
         void operator()(std::FILE* file) const noexcept;

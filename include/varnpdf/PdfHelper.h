@@ -135,8 +135,12 @@ public:
     /// Offset of the first `pattern` in the `len` bytes at `buf`, 0 when there is none.
     static int FindPosition(char* buf, int len, std::string pattern);
 
-    // Cross-reference streams and DER
+    // Streams and DER
 
+    /// Inflates one zlib stream (RFC 1950), despite the name. `*outLen` is the room of `out` and becomes the length of
+    /// the result. The status of zlib's uncompress: 0, -3 (Z_DATA_ERROR: damaged, or it ends too early), -4
+    /// (Z_MEM_ERROR), -5 (Z_BUF_ERROR: too little room); -2 (Z_STREAM_ERROR) for a null argument.
+    static int Deflate(unsigned char* in, unsigned int inLen, unsigned char* out, unsigned long* outLen);
     /// Big-endian unsigned value of `width` bytes (ISO 32000-2 7.5.8.3); 0 for `width` below 1.
     static int getStreamValue(const void* bytes, int width);
     /// Undoes the predictor of decoded stream data (ISO 32000-2 7.4.4.4) as the decode parameters of `params` tell.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 #include "support/Text.h"
 #include "syntax/Cursor.h"
@@ -62,6 +63,34 @@ void forEachEntry(const CPdfXRefContainer& xrefs, Visit&& visit) {
     }
 }
 
+struct TokenValue {
+    std::string_view name;
+    std::string value;
+};
+
+/// The lines of a template with their tokens replaced; one whose value is empty is left out.
+std::string filled(std::string_view lines, std::span<const TokenValue> values, std::string_view lineEnd) {
+    constexpr std::string_view kLineEnd = "@@NL@@";
+    constexpr std::string_view kMark = "@@";
+    std::string out;
+    while (!lines.empty()) {
+        const std::size_t length = std::min(lines.find(kLineEnd), lines.size());
+        const std::string_view line = lines.substr(0, length);
+        lines.remove_prefix(std::min(length + kLineEnd.size(), lines.size()));
+        const std::size_t open = line.find(kMark);
+        const std::size_t close = open == std::string_view::npos ? open : line.find(kMark, open + kMark.size());
+        if (close == std::string_view::npos) {
+            append(out, line, lineEnd);
+            continue;
+        }
+        const std::string_view name = line.substr(open + kMark.size(), close - open - kMark.size());
+        const auto value = std::find_if(values.begin(), values.end(), [&](const auto& it) { return it.name == name; });
+        if (value == values.end() || value->value.empty()) continue;
+        append(out, line.substr(0, open), value->value, line.substr(close + kMark.size()), lineEnd);
+    }
+    return out;
+}
+
 }  // namespace
 
 std::string crossReferenceTable(const CPdfXRefContainer& xrefs) {
@@ -108,8 +137,18 @@ StreamFields fieldsFor(const CPdfXRefContainer& xrefs, std::string_view oldWidth
     return fields;
 }
 
+std::string indexText(const CPdfXRefContainer& xrefs) {
+    std::string out = "[";
+    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
+        const CPdfXRef& run = xrefs.GetXRef()[i];
+        append(out, i == 0 ? "" : " ", run.GetRefStart(), ' ', run.GetRefNum());
+    }
+    return out + ']';
+}
+
 std::optional<std::string> crossReferenceStream(const CPdfXRefContainer& xrefs, const CPdfTrailer& trailer, int number,
-                                                const StreamFields& fields, std::size_t section) {
+                                                const StreamFields& fields, std::size_t section,
+                                                const StreamLayout& layout) {
     std::string rows;
     forEachEntry(xrefs, [&](const CPdfXRefEntry& entry) {
         appendField(rows, entry.GetIsFree() == 1 ? 0 : 1, fields.type);
@@ -118,22 +157,23 @@ std::optional<std::string> crossReferenceStream(const CPdfXRefContainer& xrefs, 
     });
     const auto data = deflated(rows);
     if (!data) return std::nullopt;
-    std::string index;
-    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
-        const CPdfXRef& run = xrefs.GetXRef()[i];
-        append(index, i == 0 ? "" : " ", run.GetRefStart(), ' ', run.GetRefNum());
-    }
-    std::string out;
-    append(out, number, " 0 obj\r\n", "<< \r\n", "/Type /XRef \r\n");
-    append(out, "/Size ", trailer.GetSize(), " \r\n");
-    if (!trailer.info().empty()) append(out, "/Info ", trailer.info(), "\r\n");
-    append(out, "/Root ", trailer.root(), " \r\n");
-    append(out, "/ID ", trailer.id().empty() ? "[]" : trailer.id(), "\r\n");
-    append(out, "/Index[", index, "] \r\n", "/Filter /FlateDecode \r\n");
-    append(out, "/W [", fields.type, ' ', fields.second, ' ', fields.third, "]\r\n");
-    append(out, "/Length ", data->size(), "\r\n", "/Prev ", trailer.GetPrev(), "\r\n", ">>\r\n");
-    append(out, "stream\r\n", *data, "\r\nendstream\r\nendobj\r\n");
-    append(out, "startxref\r\n", section, "\r\n", "%%EOF\r\n");
+    const TokenValue values[] = {
+        {"NR", text(number)},
+        {"SIZE", text(trailer.GetSize())},
+        {"INFO", std::string(trailer.info())},
+        {"ROOT", std::string(trailer.root())},
+        {"ID", std::string(trailer.id().empty() ? layout.emptyId : trailer.id())},
+        {"INDEX", indexText(xrefs)},
+        {"W", text("[", fields.type, ' ', fields.second, ' ', fields.third, "]")},
+        {"LENGTH", text(data->size())},
+        {"PREV", text(trailer.GetPrev())},
+    };
+    const std::string_view end = layout.lineEnd;
+    std::string out = filled(layout.head, values, end);
+    // A lone CR behind "stream" would leave open whether a line feed in the data belongs to it (ISO 32000-2 7.3.8.1).
+    append(out, "stream", end.ends_with('\n') ? end : "\r\n", *data);
+    append(out, end, "endstream", end, "endobj", end);
+    append(out, "startxref", end, section, end, "%%EOF", end);
     return out;
 }
 

@@ -27,10 +27,35 @@ struct StreamFields {
 /// The widths of an older section, widened where the entries do not fit; field 1 has at least one byte.
 StreamFields fieldsFor(const CPdfXRefContainer& xrefs, std::string_view oldWidths);
 
+/// How a cross-reference stream is laid out. "@@NL@@" in the head is the line end; "@@NR@@", "@@SIZE@@", "@@INFO@@",
+/// "@@ROOT@@", "@@ID@@", "@@INDEX@@", "@@W@@", "@@LENGTH@@" and "@@PREV@@" are the values. A line whose value is
+/// missing (/Info) is left out.
+struct StreamLayout {
+    std::string_view head =
+        "@@NR@@ 0 obj@@NL@@<< @@NL@@"
+        "/Type /XRef @@NL@@"
+        "/Size @@SIZE@@ @@NL@@"
+        "/Info @@INFO@@@@NL@@"
+        "/Root @@ROOT@@ @@NL@@"
+        "/ID @@ID@@@@NL@@"
+        "/Index@@INDEX@@ @@NL@@"
+        "/Filter /FlateDecode @@NL@@"
+        "/W @@W@@@@NL@@"
+        "/Length @@LENGTH@@@@NL@@"
+        "/Prev @@PREV@@@@NL@@"
+        ">>@@NL@@";
+    std::string_view emptyId = "[]";
+    std::string_view lineEnd = "\r\n";
+};
+
 /// A cross-reference stream that lists the container's entries and closes the file. The container must list the
 /// stream itself. Nothing when the data cannot be compressed.
 std::optional<std::string> crossReferenceStream(const CPdfXRefContainer& xrefs, const CPdfTrailer& trailer, int number,
-                                                const StreamFields& fields, std::size_t section);
+                                                const StreamFields& fields, std::size_t section,
+                                                const StreamLayout& layout = {});
+
+/// The /Index array of a container.
+std::string indexText(const CPdfXRefContainer& xrefs);
 
 /// zlib data of the bytes; nothing when zlib fails.
 std::optional<std::string> deflated(std::string_view bytes);

@@ -1,0 +1,216 @@
+// One run of the security store: reading what is there, taking in the material.
+#include "longterm/SecurityStore.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "model/ObjectTable.h"
+#include "support/Limits.h"
+#include "support/ResultText.h"
+#include "syntax/CharClass.h"
+#include "varnpdf/Sha.h"
+#include "varnpdf/result.h"
+
+namespace varnpdf {
+namespace {
+
+/// The key of a signature in /VRI: the SHA-1 of its value as upper-case digits (ISO 32000-2 table 262).
+std::string keyOf(std::string_view contents) {
+    constexpr std::size_t kPiece = std::size_t{1} << 30U;  // AddData counts in int
+    constexpr std::string_view kUpper = "0123456789ABCDEF";
+    CSHA sha(0);
+    for (; !contents.empty(); contents.remove_prefix(std::min(kPiece, contents.size()))) {
+        sha.AddData(contents.data(), static_cast<int>(std::min(kPiece, contents.size())));
+    }
+    std::array<char, 20> digest{};
+    sha.FinalDigest(digest.data());
+    std::string key;
+    for (const char byte : digest) {
+        key.push_back(kUpper[static_cast<unsigned char>(byte) >> 4U]);
+        key.push_back(kUpper[static_cast<unsigned char>(byte) & 0xfU]);
+    }
+    return key;
+}
+
+/// The value of a signature: every byte of /Contents, the padding as well.
+std::optional<std::string> contentsOf(std::string_view signature) {
+    const auto entries = store::readDictionary(signature);
+    const store::KeyValue* const contents = entries ? entries->find("/Contents") : nullptr;
+    return contents != nullptr ? store::stringBytes(contents->value) : std::nullopt;
+}
+
+std::string upper(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'a' && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return text;
+}
+
+}  // namespace
+
+int SecurityStore::run() {
+    if (const int code = openTrailer(); code != VARNPDF_OK) return code;
+    lineEnd_ = pdf_.the_line_end();
+    // An unknown line end must still end the comment line of the entries.
+    if (lineEnd_.empty()) lineEnd_ = "\r\n";
+    const std::string_view old = pdf_.view();
+    if (!old.empty() && !isEol(old.back())) tail_ = lineEnd_;
+    readSignatures();
+    readStore();
+    addMaterial();
+    writeEntries();
+    writeStore();
+    updateCatalogue();
+    return closeSection();
+}
+
+int SecurityStore::openTrailer() {
+    logDebug(logger_, "Anzahl der PDF-Objekte : ", pdf_.objects_->size());
+    if (pdf_.PdfIsEncrypted() == 1) return VARNPDF_PDF_ENCRYPTED;
+    const CPdfTrailer* const trailer = pdf_.GetLastTrailer();
+    if (trailer == nullptr || pdf_.GetUpdateTrailer() == nullptr || trailer->root().empty()) {
+        return VARNPDF_TRAILER_INCOMPLETE;
+    }
+    catalogue_ = pdf_.referencedObject(trailer->root());
+    auto entries = catalogue_ != nullptr ? store::readDictionary(store::bodyOf(catalogue_->content())) : std::nullopt;
+    if (!entries) return VARNPDF_DSS_CATALOGUE_MISSING;
+    catalogueEntries_ = std::move(*entries);
+    const int highest = pdf_.get_max_obj_num_from_map();
+    const auto room = static_cast<std::size_t>(std::numeric_limits<int>::max() - std::max(trailer->GetSize(), highest));
+    // Three numbers for each record, and those of the entries, the store and the cross-reference stream.
+    if (room / 4 <= records_.size() + 1) return VARNPDF_TRAILER_INCOMPLETE;
+    next_ = trailer->GetSize() >= highest ? trailer->GetSize() : highest + 1;
+    return VARNPDF_OK;
+}
+
+SecurityStore::Resolved SecurityStore::resolve(std::string_view value) const {
+    constexpr int kLongestChain = 8;  // references to references; a loop ends here
+    Resolved found{value, nullptr};
+    for (int i = 0; i < kLongestChain; ++i) {
+        const auto number = store::referenceIn(found.text);
+        if (!number) return found;
+        found.holder = pdf_.objects_->find(*number);
+        found.text = found.holder != nullptr ? store::bodyOf(found.holder->content()) : std::string_view{};
+    }
+    return {};
+}
+
+void SecurityStore::readSignatures() {
+    logDebug(logger_, "Gefundene Signaturen und deren DigestsHash:");
+    std::map<std::string, std::size_t> places;
+    std::map<const CPdfObj*, std::optional<std::size_t>> known;  // fields may share a dictionary
+    for (CPdfObj* const field : pdf_.signatureFields()) {
+        const auto fieldEntries = store::readDictionary(store::bodyOf(field->content()));
+        const store::KeyValue* const value = fieldEntries ? fieldEntries->find("/V") : nullptr;
+        const Resolved dictionary = value != nullptr ? resolve(value->value) : Resolved{};
+        const auto seen = known.find(dictionary.holder);
+        std::optional<std::size_t> place;
+        if (seen != known.end()) {
+            place = seen->second;
+        } else if (const auto contents = contentsOf(dictionary.text)) {
+            std::string key = keyOf(*contents);
+            place = places.try_emplace(key, keyed_.size()).first->second;
+            if (*place == keyed_.size()) keyed_.push_back({std::move(key), {}});
+            logDebug(logger_, signatures_.size(), ": ", keyed_[*place].key);
+        } else {
+            logError(logger_, "Signatur Nr ", signatures_.size(), " hat keinen Wert");
+        }
+        if (dictionary.holder != nullptr) known[dictionary.holder] = place;
+        signatures_.push_back(place);
+    }
+}
+
+void SecurityStore::readStore() {
+    const store::KeyValue* const entry = catalogueEntries_.find("/DSS");
+    if (entry != nullptr) {
+        const Resolved found = resolve(entry->value);
+        if (auto old = store::readDictionary(found.text)) {
+            logDebug(logger_, "/DSS  gefunden");
+            storeObject_ = found.holder;
+            oldStore_ = std::move(*old);
+            readOldEntries();
+            return;
+        }
+        logError(logger_, "/DSS ist kein Dictionary und wird ersetzt");
+    }
+    logDebug(logger_, "Muss neues DSS Objekt erzeugen");
+}
+
+void SecurityStore::readOldEntries() {
+    const store::KeyValue* const entry = oldStore_.find("/VRI");
+    const Resolved found = entry != nullptr ? resolve(entry->value) : Resolved{};
+    auto old = store::readDictionary(found.text);
+    logDebug(logger_, old ? "/VRI  gefunden" : "/VRI  nicht gefunden");
+    for (const auto& [key, what] : {std::pair{"/OCSPs", "- OCSPs-Array"}, std::pair{"/Certs", "- Certs-Array"},
+                                    std::pair{"/CRLs", "- CRLs-Array"}}) {
+        if (oldStore_.find(key) != nullptr) logDebug(logger_, what);
+    }
+    if (!old) return;
+    oldEntries_ = std::move(*old);
+    // The store refers to generation 0, and two roles of one object cannot both be written.
+    const bool alone = found.holder != nullptr && found.holder != storeObject_ && found.holder != catalogue_;
+    if (alone && found.holder->GetGenNumber() <= 0) entriesObject_ = found.holder;
+
+    std::map<std::string, Signature*> byKey;
+    for (Signature& signature : keyed_) byKey["/" + signature.key] = &signature;
+    for (const store::KeyValue& pair : oldEntries_.entries) {
+        const std::string name = store::plainName(pair.key);
+        if (const auto same = byKey.find(name); same != byKey.end()) {
+            same->second->same = &pair;
+            continue;
+        }
+        const auto similar = byKey.find(upper(name));
+        if (similar != byKey.end()) similar->second->similar = &pair;
+    }
+    for (std::size_t i = 0; i < signatures_.size(); ++i) {
+        if (signatures_[i] && keyed_[*signatures_[i]].same != nullptr) {
+            logDebug(logger_, "Lese Daten aus vorh. Signatur Nr ", i);
+        }
+    }
+}
+
+void SecurityStore::addMaterial() {
+    const int last = std::max(static_cast<int>(signatures_.size()) - 1, 0);
+    std::vector<std::vector<const pdf_dss_struct*>> bySignature(signatures_.size());
+    for (const pdf_dss_struct& record : records_) {
+        const int index = record.signature_number == -1 ? last : record.signature_number;
+        if (index >= 0 && static_cast<std::size_t>(index) < signatures_.size()) {
+            bySignature[static_cast<std::size_t>(index)].push_back(&record);
+        } else {
+            logError(logger_, "Keine Signatur Nr ", record.signature_number, ", Daten werden nicht eingetragen");
+        }
+    }
+    for (std::size_t i = 0; i < signatures_.size(); ++i) {
+        if (!signatures_[i]) continue;
+        Numbers& numbers = keyed_[*signatures_[i]].numbers;
+        for (const pdf_dss_struct* const record : bySignature[i]) {
+            addStream(record->certificate, kCertificate, numbers);
+            addStream(record->crl, kCrl, numbers);
+            addStream(record->ocsp, kOcsp, numbers);
+        }
+    }
+    logDebug(logger_, "Hash-Liste durchlaufen und alle Arrays gefuellt.");
+    logDebug(logger_, "Alle Cert/CRL/OCSP-Objekte erzeugt.");
+}
+
+void SecurityStore::addStream(std::string_view base64, Kind kind, Numbers& numbers) {
+    if (base64.empty()) return;
+    // Base64 decoding ends at the first line break; a host may have wrapped its text.
+    std::string joined;
+    joined.reserve(base64.size());
+    std::copy_if(base64.begin(), base64.end(), std::back_inserter(joined), [](char c) { return !isCSpace(c); });
+    const std::vector<unsigned char> bytes = base64_decode(joined);
+    if (bytes.empty()) {
+        logError(logger_, "Base64-Daten sind leer und werden nicht eingetragen");
+        return;
+    }
+    const int number = next_++;
+    const std::string_view data(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    std::string object = lines(text(number, " 0 obj@@NL@@<< @@NL@@   /Length ", data.size(), "@@NL@@>>@@NL@@"));
+    append(object, "stream\n", data, "\n", "endstream\n", "endobj\n\n");
+    write(number, 0, object);
+    numbers[kind].push_back(number);
+    all_[kind].push_back(number);
+}
+
+}  // namespace varnpdf

@@ -1,0 +1,90 @@
+// One run of the security store: the material of the records, the store that is there, the appended update.
+#pragma once
+
+#include <array>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "longterm/Values.h"
+#include "support/Log.h"
+#include "varnpdf/Pdf.h"
+#include "varnpdf/PdfDSS.h"
+
+namespace varnpdf {
+
+/// Works on the texts of an opened document and puts the update together beside it.
+class SecurityStore {
+public:
+    SecurityStore(CPdf& pdf, std::span<const pdf_dss_struct> records, const c_pdf_dss& face, const ClassLogger& logger)
+        : pdf_(pdf), records_(records), face_(face), logger_(logger) {}
+
+    /// 0, or the code of the first step that failed.
+    int run();
+    /// The appended part, complete.
+    [[nodiscard]] std::string_view tail() const noexcept { return tail_; }
+
+private:
+    // In the order in which a record names them.
+    enum Kind : std::size_t { kCertificate, kCrl, kOcsp, kKinds };
+    using Numbers = std::array<std::vector<int>, kKinds>;
+
+    /// A value behind its references.
+    struct Resolved {
+        std::string_view text;
+        CPdfObj* holder = nullptr;  ///< the object whose body it is; null for one written in place
+    };
+    struct Signature {
+        std::string key;
+        Numbers numbers = {};
+        const store::KeyValue* same = nullptr;     ///< the old entry with this key
+        const store::KeyValue* similar = nullptr;  ///< one whose key is written in lower case
+    };
+
+    int openTrailer();
+    void readSignatures();
+    void readStore();
+    void readOldEntries();
+    void addMaterial();
+    void addStream(std::string_view base64, Kind kind, Numbers& numbers);
+    void writeEntries();
+    [[nodiscard]] std::string entriesText() const;
+    [[nodiscard]] std::string entryOf(const Signature& signature) const;
+    [[nodiscard]] std::string mergedEntry(const store::DictionaryText& old, const Numbers& added) const;
+    [[nodiscard]] std::string newEntry(const Numbers& numbers) const;
+    void writeStore();
+    void updateCatalogue();
+    int closeSection();
+    int closeWithStream(CPdfXRefContainer& xrefs, std::size_t section);
+
+    [[nodiscard]] Resolved resolve(std::string_view value) const;
+    [[nodiscard]] std::string extended(std::string_view value, const std::vector<int>& added) const;
+    [[nodiscard]] std::string lines(std::string_view text) const;
+    void write(int number, int generation, std::string_view text);
+
+    CPdf& pdf_;
+    std::span<const pdf_dss_struct> records_;
+    const c_pdf_dss& face_;
+    const ClassLogger& logger_;
+    std::string lineEnd_;
+    CPdfObj* catalogue_ = nullptr;
+    store::DictionaryText catalogueEntries_;
+    int next_ = 0;                                        // the number of the next new object
+    std::vector<std::optional<std::size_t>> signatures_;  // by index of the signature: its place in keyed_
+    std::vector<Signature> keyed_;                        // equal values share a key
+    Numbers all_;
+    CPdfObj* storeObject_ = nullptr;  // null: a new one is made
+    store::DictionaryText oldStore_;
+    CPdfObj* entriesObject_ = nullptr;  // likewise
+    store::DictionaryText oldEntries_;
+    int storeNumber_ = 0;
+    int entriesNumber_ = 0;
+    std::map<int, std::pair<int, std::size_t>> written_;  // generation and offset by object number
+    std::string tail_;
+};
+
+}  // namespace varnpdf

@@ -1,0 +1,236 @@
+// One run of the security store: the objects of the appended update and its cross-reference section.
+#include <algorithm>
+
+#include "longterm/SecurityStore.h"
+#include "model/DictionaryEntry.h"
+#include "reader/SectionText.h"
+#include "support/Limits.h"
+#include "support/ResultText.h"
+#include "varnpdf/result.h"
+#include "writer/Update.h"
+
+namespace varnpdf {
+namespace {
+
+constexpr std::string_view kSectionHead =
+    "@@NR@@ 0 obj@@NL@@<< @@NL@@"
+    "  /Type /XRef @@NL@@"
+    "  /Size @@SIZE@@ @@NL@@"
+    "  /Info @@INFO@@@@NL@@"
+    "  /Root @@ROOT@@ @@NL@@"
+    "  /ID @@ID@@@@NL@@"
+    "  /Index@@INDEX@@ @@NL@@"
+    "  /Filter /FlateDecode  @@NL@@"
+    "   /W @@W@@@@NL@@"
+    "  /Length @@LENGTH@@@@NL@@"
+    "  /Prev @@PREV@@@@NL@@"
+    ">>@@NL@@";
+
+/// A value to be carried over; a key without one gets the value that means as much (ISO 32000-2 7.3.9).
+std::string written(std::string_view value) { return value.empty() ? "null" : std::string(value); }
+
+}  // namespace
+
+std::string SecurityStore::lines(std::string_view text) const {
+    constexpr int kMostLines = 100;
+    return face_.str_replace(std::string(text), "@@NL@@", lineEnd_, kMostLines);
+}
+
+void SecurityStore::write(int number, int generation, std::string_view text) {
+    written_[number] = {generation, pdf_.view().size() + tail_.size()};
+    append(tail_, objectText(number, generation, text));
+}
+
+/// The array behind a value with further references. Elements stay as they are written; what is no array, but an
+/// object, becomes an element.
+std::string SecurityStore::extended(std::string_view value, const std::vector<int>& added) const {
+    const Resolved found = resolve(value);
+    const auto items = store::readItems(found.text);
+    if (added.empty() && (items || store::referenceIn(value))) return std::string(value);
+    if (!items && (found.holder == nullptr || !found.text.starts_with("<<"))) return face_.append_to_array(added);
+    std::string out = "[";
+    for (const std::string_view item : items.value_or(std::vector<std::string_view>{value})) {
+        if (item != "null") append(out, out.size() > 1 ? " " : "", item);
+    }
+    for (const int number : added) append(out, out.size() > 1 ? " " : "", number, " 0 R");
+    return out + ']';
+}
+
+std::string SecurityStore::newEntry(const Numbers& numbers) const {
+    return text("<< /OCSP ", face_.append_to_array(numbers[kOcsp]), " /CRL ", face_.append_to_array(numbers[kCrl]),
+                " /Cert ", face_.append_to_array(numbers[kCertificate]), ">>");
+}
+
+/// Every key of the old entry in its order, the arrays extended; /TU, /TS and /Type stay.
+std::string SecurityStore::mergedEntry(const store::DictionaryText& old, const Numbers& added) const {
+    struct Array {
+        const char* key;
+        Kind kind;
+        const store::KeyValue* old;
+    };
+    const Array arrays[] = {{"/OCSP", kOcsp, old.find("/OCSP")},
+                            {"/CRL", kCrl, old.find("/CRL")},
+                            {"/Cert", kCertificate, old.find("/Cert")}};
+    std::string out = "<<";
+    for (const store::KeyValue& pair : old.entries) {
+        const auto* const array =
+            std::find_if(std::begin(arrays), std::end(arrays), [&](const Array& it) { return it.old == &pair; });
+        const bool extends = array != std::end(arrays);
+        append(out, ' ', pair.key, ' ', extends ? extended(pair.value, added[array->kind]) : written(pair.value));
+    }
+    for (const Array& array : arrays) {
+        const std::vector<int>& numbers = added[array.kind];
+        if (array.old == nullptr && !numbers.empty()) append(out, ' ', array.key, ' ', face_.append_to_array(numbers));
+    }
+    return out + ">>";
+}
+
+/// The entry of a signature: the old one as it is where nothing is added to it.
+std::string SecurityStore::entryOf(const Signature& signature) const {
+    const store::KeyValue* const from = signature.same != nullptr ? signature.same : signature.similar;
+    const Resolved found = from != nullptr ? resolve(from->value) : Resolved{};
+    if (!found.text.starts_with("<<")) return newEntry(signature.numbers);
+    const bool adds = std::any_of(signature.numbers.begin(), signature.numbers.end(),
+                                  [](const std::vector<int>& numbers) { return !numbers.empty(); });
+    if (!adds) return std::string(from->value);
+    const auto old = store::readDictionary(found.text);
+    return old ? mergedEntry(*old, signature.numbers) : newEntry(signature.numbers);
+}
+
+std::string SecurityStore::entriesText() const {
+    std::map<const store::KeyValue*, const Signature*> owners;
+    for (const Signature& signature : keyed_) {
+        if (signature.same != nullptr) owners[signature.same] = &signature;
+    }
+    std::string out;
+    const auto add = [&](std::string_view key, std::string_view value) {
+        // Entries may share a dictionary, and each would take a copy of it; a result this long is refused later.
+        if (out.size() <= limits::kDocumentBytes) append(out, out.empty() ? "" : lineEnd_, key, ' ', value);
+    };
+    for (const store::KeyValue& pair : oldEntries_.entries) {
+        const auto owner = owners.find(&pair);
+        add(pair.key, owner != owners.end() ? entryOf(*owner->second) : written(pair.value));
+    }
+    // An entry under a key in lower case is not found by those who look for the key: it stays, and is there again.
+    for (const Signature& signature : keyed_) {
+        if (signature.same == nullptr) add("/" + signature.key, entryOf(signature));
+    }
+    return out;
+}
+
+void SecurityStore::writeEntries() {
+    logDebug(logger_, "VRI-Objekt erzeugen");
+    entriesNumber_ = entriesObject_ != nullptr ? entriesObject_->GetObjNum() : next_++;
+    const bool carriesOver = !oldEntries_.entries.empty();
+    std::string object = lines(text(entriesNumber_, " 0 obj@@NL@@<< @@NL@@",
+                                    carriesOver ? "% vorhandene Daten (Problem)" : "% Eintrag neuer DSS ", "@@NL@@"));
+    append(object, entriesText(), lines("@@NL@@>>@@NL@@endobj@@NL@@@@NL@@"));
+    logDebug(logger_, "VRI-Objekt im xref erzeugen");
+    write(entriesNumber_, 0, object);
+}
+
+void SecurityStore::writeStore() {
+    logDebug(logger_, "DSS-Objekt mit Content erzeugen");
+    constexpr std::pair<const char*, Kind> kArrays[] = {{"/OCSPs", kOcsp}, {"/CRLs", kCrl}, {"/Certs", kCertificate}};
+    storeNumber_ = storeObject_ != nullptr ? storeObject_->GetObjNum() : next_++;
+    const int generation = storeObject_ != nullptr ? std::max(storeObject_->GetGenNumber(), 0) : 0;
+    if (!oldStore_.entries.empty()) logDebug(logger_, "das DSS Dict muss erweitert werden");
+    std::string object = lines(text(storeNumber_, ' ', generation, " obj@@NL@@<< @@NL@@"));
+    append(object, "   /VRI ", entriesNumber_, " 0 R", lineEnd_);
+    for (const auto& [key, kind] : kArrays) {
+        const store::KeyValue* const old = oldStore_.find(key);
+        if (old != nullptr && !all_[kind].empty()) {
+            logDebug(logger_, "Array im DSS-Objekt erweitern um neue Referenzen");
+        }
+        append(object, "   ", key, ' ', extended(old != nullptr ? old->value : "", all_[kind]), lineEnd_);
+    }
+    for (const store::KeyValue& pair : oldStore_.entries) {
+        const std::string name = store::plainName(pair.key);
+        if (name == "/VRI" || name == "/OCSPs" || name == "/CRLs" || name == "/Certs") continue;
+        append(object, "   ", pair.key, ' ', written(pair.value), lineEnd_);
+    }
+    append(object, lines(">>@@NL@@endobj@@NL@@@@NL@@"));
+    logDebug(logger_, "DSS-Objekt im xref erzeugen");
+    write(storeNumber_, generation, object);
+}
+
+void SecurityStore::updateCatalogue() {
+    if (storeObject_ != nullptr) return;
+    const std::string_view whole = catalogue_->content();
+    const std::string_view body = store::bodyOf(whole);
+    const std::string reference = text(storeNumber_, " 0 R");
+    std::string changed(whole);
+    const auto bodyBegin = static_cast<std::size_t>(body.data() - whole.data());
+    if (const store::KeyValue* const old = catalogueEntries_.find("/DSS")) {
+        const auto begin = static_cast<std::size_t>(old->value.data() - whole.data());
+        const std::size_t end = begin + old->value.size();
+        const char* const before = isRegular(whole[begin - 1]) ? " " : "";
+        const char* const behind = end < whole.size() && isRegular(whole[end]) ? " " : "";
+        changed.replace(begin, old->value.size(), text(before, reference, behind));
+    } else {
+        logDebug(logger_, "Root-Objekt um /DSS Tag erweitern da vorher noch kein DSS vorhanden");
+        changed.insert(bodyBegin + catalogueEntries_.close, text("/DSS ", reference, lineEnd_));
+    }
+    logDebug(logger_, "Root-Objekt NEU schreiben in xref");
+    write(catalogue_->GetObjNum(), std::max(catalogue_->GetGenNumber(), 0), changed);
+}
+
+int SecurityStore::closeSection() {
+    logDebug(logger_, "Beginne neues XREF zu erstellen");
+    const std::size_t section = pdf_.view().size() + tail_.size();
+    if (section > limits::kDocumentBytes) {
+        logError(logger_, logtext::PDF_MAXSIZE);
+        return VARNPDF_PDF_MAXSIZE;
+    }
+    const bool isStream = pdf_.GetLastTrailer()->GetIsCrossRefStream();
+    if (isStream) written_[next_] = {0, section};
+    CPdfXRefContainer xrefs;
+    for (auto first = written_.begin(); first != written_.end();) {
+        auto last = first;
+        int count = 0;
+        while (last != written_.end() && last->first == first->first + count) ++last, ++count;
+        CPdfXRef run(first->first, count);
+        for (int i = 0; first != last; ++i, ++first) {
+            run.GetRefEntry()[i].SetPos(static_cast<int>(first->second.second));
+            run.GetRefEntry()[i].SetGenNumber(first->second.first);
+        }
+        run.SetIsFree(0);
+        xrefs.AddXRef(&run);
+    }
+    if (isStream) return closeWithStream(xrefs, section);
+    logDebug(logger_, "Normalen Trailer schreiben");
+    CPdfTrailer& trailer = *pdf_.GetUpdateTrailer();
+    trailer.SetSize(std::max(trailer.GetSize(), next_));
+    trailer.UpdateId(true);
+    append(tail_, crossReferenceTable(xrefs), trailerText(trailer, section));
+    logDebug(logger_, "crossref ende");
+    return VARNPDF_OK;
+}
+
+int SecurityStore::closeWithStream(CPdfXRefContainer& xrefs, std::size_t section) {
+    logDebug(logger_, "xrefStream!");
+    logDebug(logger_, "2019er: /W einlesen aus altem Trailer !!!");
+    CPdfTrailer& trailer = *pdf_.GetUpdateTrailer();
+    const StreamFields fields = fieldsFor(xrefs, entryValue(keyText(*pdf_.GetLastTrailer()), "/W"));
+    logDebug(logger_, "W1:", fields.type);
+    logDebug(logger_, "W2:", fields.second);
+    logDebug(logger_, "W3:", fields.third);
+    if (fields.type != 1) logDebug(logger_, "xrefStream-TODO !! w1 != 1 Byte !!!!!!!!!!!!!");
+    logDebug(logger_, "INDEX: ", indexText(xrefs));
+    for (const auto& [number, place] : written_) logDebug(logger_, "ObjNr ", number, " (Offset: ", place.second, ")");
+    trailer.SetSize(std::max(trailer.GetSize(), next_ + 1));
+    trailer.UpdateId(true);
+    if (trailer.id().empty()) logDebug(logger_, "ID des Dokuments ist leer, setze [] ein.");
+    const StreamLayout layout{kSectionHead, "[(000)(000)]", lineEnd_};
+    const auto stream = crossReferenceStream(xrefs, trailer, next_, fields, section, layout);
+    if (!stream) {
+        logError(logger_, logtext::COMPRESSING_FAILED);
+        return VARNPDF_COMPRESSING_FAILED;
+    }
+    logDebug(logger_, "Stream gepackt");
+    append(tail_, *stream);
+    logDebug(logger_, "crossref ende");
+    return VARNPDF_OK;
+}
+
+}  // namespace varnpdf
