@@ -171,6 +171,14 @@ const Kind kKinds[] = {
      PLANARCONFIG_CONTIG,
      {EXTRASAMPLE_UNSPECIFIED}},
     {"Cmyk", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, COMPRESSION_NONE, false, PLANARCONFIG_CONTIG, {}, 1},
+    {"Cmyk16", PHOTOMETRIC_SEPARATED, 16,
+     [](unsigned x, unsigned y) {
+         Samples samples = cmyk(x, y);
+         for (unsigned& sample : samples) sample *= 257;
+         return samples;
+     },
+     cmykColours},
+    {"CmykTiles", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, COMPRESSION_LZW, true, PLANARCONFIG_CONTIG, {}, 1},
     {"YccDeflate", PHOTOMETRIC_YCBCR, 8, greyYcc, greys, COMPRESSION_ADOBE_DEFLATE, false, PLANARCONFIG_CONTIG, {}, 1},
     {"Lab", PHOTOMETRIC_CIELAB, 8, lightness, lightnessColours, COMPRESSION_NONE, false, PLANARCONFIG_CONTIG, {}, 40},
     {"JpegGrey",
