@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "conversion/Deflater.h"
+#include "conversion/RunDeflater.h"
 #include "conversion/TiffMessages.h"
 #include "conversion/TiffSamples.h"
 #include "varnpdf/result.h"
@@ -129,12 +130,23 @@ private:
         }
         left_ -= shape.rgbBytes();
         deflater_.startImage();
+        runs_.start();
         bool fits = true;
-        const bool read = readRows(tif_, shape, [&](std::string_view rows) {
-            deflater_.addSamples(rows);
-            fits = out_->position() + deflater_.size() <= limits::kDocumentBytes;
+        bilevel_ = false;
+        const auto noteSize = [&](std::size_t packed) {
+            fits = out_->position() + packed <= limits::kDocumentBytes;
             return fits;
-        });
+        };
+        const RowSink sink = {[&](std::string_view rows) {
+                                  deflater_.addSamples(rows);
+                                  return noteSize(deflater_.size());
+                              },
+                              [&](const unsigned char* row, unsigned char one) {
+                                  bilevel_ = true;
+                                  runs_.addRow(row, shape.width, one);
+                                  return noteSize(runs_.size());
+                              }};
+        const bool read = readRows(tif_, shape, sink);
         if (!fits) return VARNPDF_CONVERT_WRITE;
         if (!read) return VARNPDF_TIFF_UNREADABLE;
         putPageObjects(index, shape);
@@ -148,7 +160,7 @@ private:
         out_->put("\r\n<< \r\n/Type /Page \r\n", "/Resources << /XObject << /I-", index, ' ', number + 1,
                   " 0 R >> /ProcSet [/PDF /ImageC] >> \r\n", "/MediaBox [0 0 ", page.width, ' ', page.height, "] \r\n",
                   "/Parent 3 0 R \r\n", "/Contents ", number + 2, " 0 R \r\n", ">>\r\nendobj\r\n");
-        std::string_view packed = deflater_.finish();
+        std::string_view packed = bilevel_ ? runs_.finish() : deflater_.finish();
         out_->startObject(number + 1);
         out_->put("\r\n<< /Type /XObject /Subtype /Image /Name /I-", index, " /Width ", shape.width, " /Height ",
                   shape.height, " /BitsPerComponent 8 /Filter /FlateDecode /ColorSpace /DeviceRGB /Length ",
@@ -171,6 +183,8 @@ private:
     ObjectFile* out_;
     TIFF* tif_;
     Deflater deflater_;
+    RunDeflater runs_;
+    bool bilevel_ = false;  ///< the page's samples are in `runs_`
     std::uint64_t left_ = 0;
 };
 

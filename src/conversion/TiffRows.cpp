@@ -45,24 +45,33 @@ std::optional<RowConverter> RowConverter::of(TIFF* tif, std::uint32_t width) {
     if (extra > 0 && kinds[0] == EXTRASAMPLE_ASSOCALPHA) row.alpha_ = Alpha::kMultiplied;
     if (extra > 0 && kinds[0] == EXTRASAMPLE_UNASSALPHA) row.alpha_ = Alpha::kSeparate;
 
-    row.colour_ = photometric == PHOTOMETRIC_RGB || asksForRgb(tif, photometric);
-    if (row.colour_) {
-        const bool alphaThere = row.alpha_ == Alpha::kNone || row.samples_ > 3;
-        const bool known = (row.bits_ == 8 || row.bits_ == 16) && row.samples_ >= 3 && alphaThere;
-        return known ? std::optional(row) : std::nullopt;
+    if (photometric == PHOTOMETRIC_RGB || asksForRgb(tif, photometric)) row.model_ = Model::kRgb;
+    if (photometric == PHOTOMETRIC_SEPARATED && tag(tif, TIFFTAG_INKSET, INKSET_CMYK) == INKSET_CMYK) {
+        row.model_ = Model::kCmyk;
     }
-    const bool narrow = row.bits_ == 1 || row.bits_ == 2 || row.bits_ == 4;
-    if (row.alpha_ != Alpha::kNone || (narrow && row.samples_ != 1)) return {};
+    const bool taken = row.model_ == Model::kTable ? row.takesTable(tif, photometric) : row.takesColour();
+    return taken ? std::optional(row) : std::nullopt;
+}
+
+bool RowConverter::takesColour() const noexcept {
+    const int colours = model_ == Model::kRgb ? 3 : 4;
+    return (bits_ == 8 || bits_ == 16) && samples_ >= colours + (alpha_ == Alpha::kNone ? 0 : 1);
+}
+
+bool RowConverter::takesTable(TIFF* tif, std::uint16_t photometric) {
+    const bool narrow = bits_ == 1 || bits_ == 2 || bits_ == 4;
+    if (alpha_ != Alpha::kNone || (narrow && samples_ != 1)) return false;
     if (photometric == PHOTOMETRIC_PALETTE) {
-        if ((!narrow && row.bits_ != 8) || !row.readPalette(tif)) return {};
+        if ((!narrow && bits_ != 8) || !readPalette(tif)) return false;
     } else if (photometric == PHOTOMETRIC_MINISWHITE || photometric == PHOTOMETRIC_MINISBLACK) {
-        if (!narrow && row.bits_ != 8 && row.bits_ != 16) return {};
-        row.setGrey(photometric == PHOTOMETRIC_MINISWHITE);
+        if (!narrow && bits_ != 8 && bits_ != 16) return false;
+        setGrey(photometric == PHOTOMETRIC_MINISWHITE);
+        bilevel_ = bits_ == 1;
     } else {
-        return {};
+        return false;
     }
-    if (narrow) row.fillOctets();
-    return row;
+    if (narrow) fillOctets();
+    return true;
 }
 
 // Colours have 16 bits, but some writers put 8 there.
@@ -99,9 +108,9 @@ void RowConverter::fillOctets() {
 }
 
 void RowConverter::convert(const unsigned char* row, char* rgb) const {
-    if (!colour_)
+    if (model_ == Model::kTable)
         convertTable(row, rgb);
-    else if (bits_ == 8 && samples_ == 3)
+    else if (model_ == Model::kRgb && bits_ == 8 && samples_ == 3)
         std::memcpy(rgb, row, std::size_t{3} * width_);
     else
         convertColour(row, rgb);
@@ -134,11 +143,14 @@ void RowConverter::convertColour(const unsigned char* row, char* rgb) const {
     const std::size_t sampleBytes = bits_ / 8U;
     for (std::size_t i = 0; i < width_; ++i) {
         const unsigned char* at = row + i * samples_ * sampleBytes;
-        const auto sample = [&](std::size_t c) { return bits_ == 8 ? at[c] : eightBits(at + 2 * c); };
-        const unsigned opacity = alpha_ == Alpha::kNone ? 255 : sample(3);
+        const auto sample = [&](std::size_t s) { return bits_ == 8 ? at[s] : eightBits(at + 2 * s); };
+        const bool inks = model_ == Model::kCmyk;
+        const unsigned light = inks ? 255 - sample(3) : 255;
+        const unsigned opacity = alpha_ == Alpha::kNone ? 255 : sample(inks ? 4 : 3);
         for (std::size_t c = 0; c < 3; ++c) {
-            const unsigned value = alpha_ == Alpha::kSeparate ? (sample(c) * opacity + 127) / 255 : sample(c);
-            *rgb++ = static_cast<char>(std::min(value + 255 - opacity, 255U));
+            const unsigned colour = inks ? (255 - sample(c)) * light / 255 : sample(c);
+            const unsigned share = alpha_ == Alpha::kSeparate ? (colour * opacity + 127) / 255 : colour;
+            *rgb++ = static_cast<char>(std::min(share + 255 - opacity, 255U));
         }
     }
 }

@@ -1,0 +1,469 @@
+// TIFF files as documents: every kind of samples that libtiff reads, pages, geometry and damage.
+#include <gtest/gtest.h>
+#include <tiffio.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include "support/LogCapture.h"
+#include "tests/conversion/Conversion.h"
+
+using namespace varnpdf::test;
+
+namespace {
+
+using Samples = std::vector<unsigned>;
+using Colour = std::array<int, 3>;
+
+struct Kind {
+    const char* name;
+    std::uint16_t photometric;
+    std::uint16_t bits;
+    std::function<Samples(unsigned x, unsigned y)> samples;
+    std::function<Colour(unsigned x, unsigned y)> rgb;
+    std::uint16_t compression = COMPRESSION_NONE;
+    bool tiled = false;
+    std::uint16_t planar = PLANARCONFIG_CONTIG;
+    std::vector<std::uint16_t> extra = {};
+    int tolerance = 0;
+    unsigned rowsPerStrip = 5;
+};
+
+constexpr unsigned kWidth = 37;
+constexpr unsigned kHeight = 21;
+constexpr unsigned kTile = 16;
+
+unsigned red(unsigned x, unsigned y) { return (x * 7 + y) % 256; }
+unsigned green(unsigned x, unsigned y) { return (y * 11 + x) % 256; }
+unsigned blue(unsigned x, unsigned y) { return (x * y) % 256; }
+unsigned bit(unsigned x, unsigned y) { return (x / 3 + y) % 2; }
+
+Colour grey(unsigned level) {
+    const int value = static_cast<int>(level);
+    return {value, value, value};
+}
+Colour colours(unsigned x, unsigned y) {
+    return {static_cast<int>(red(x, y)), static_cast<int>(green(x, y)), static_cast<int>(blue(x, y))};
+}
+Samples rgb8(unsigned x, unsigned y) { return {red(x, y), green(x, y), blue(x, y)}; }
+Samples rgb16(unsigned x, unsigned y) { return {red(x, y) * 257, green(x, y) * 257, blue(x, y) * 257}; }
+Samples bilevel(unsigned x, unsigned y) { return {bit(x, y)}; }
+Colour blackIsOne(unsigned x, unsigned y) { return grey(bit(x, y) == 0 ? 255 : 0); }
+Colour whiteIsOne(unsigned x, unsigned y) { return grey(bit(x, y) == 0 ? 0 : 255); }
+Samples grey8(unsigned x, unsigned y) { return {red(x, y)}; }
+Colour greys(unsigned x, unsigned y) { return grey(red(x, y)); }
+template <unsigned Mask>
+Samples low(unsigned x, unsigned y) {
+    return {red(x, y) & Mask};
+}
+template <unsigned Mask>
+Colour lowGrey(unsigned x, unsigned y) {
+    return grey((red(x, y) & Mask) * 255 / Mask);
+}
+// The palette: red runs up, green down, blue is constant.
+template <unsigned Mask>
+Colour looked(unsigned x, unsigned y) {
+    const unsigned index = red(x, y) & Mask;
+    return {static_cast<int>(index * 255 / Mask), static_cast<int>(255 - index * 255 / Mask), 7};
+}
+// Half transparent on the right.
+unsigned opacity(unsigned x) { return x < 20 ? 255 : 51; }
+Colour blended(unsigned x, unsigned y) {
+    Colour out{};
+    const Colour full = colours(x, y);
+    const double share = opacity(x) / 255.0;
+    for (std::size_t c = 0; c < 3; ++c) out[c] = static_cast<int>(std::lround(full[c] * share + 255 * (1 - share)));
+    return out;
+}
+Samples separateAlpha(unsigned x, unsigned y) { return {red(x, y), green(x, y), blue(x, y), opacity(x)}; }
+Samples multiplied(unsigned x, unsigned y) {
+    const unsigned a = opacity(x);
+    return {red(x, y) * a / 255, green(x, y) * a / 255, blue(x, y) * a / 255, a};
+}
+Samples unnamedFourth(unsigned x, unsigned y) { return {red(x, y), green(x, y), blue(x, y), 0}; }
+Samples cmyk(unsigned x, unsigned y) { return {red(x, y), green(x, y), blue(x, y), 51}; }
+Colour cmykColours(unsigned x, unsigned y) {
+    Colour out = colours(x, y);
+    for (int& c : out) c = (255 - c) * (255 - 51) / 255;
+    return out;
+}
+Samples smooth(unsigned x, unsigned y) { return {x * 4, y * 8, 128}; }
+Colour smoothColours(unsigned x, unsigned y) { return {static_cast<int>(x * 4), static_cast<int>(y * 8), 128}; }
+Samples greyYcc(unsigned x, unsigned y) { return {red(x, y), 128, 128}; }
+// libtiff's white is not quite ours.
+Samples lightness(unsigned x, unsigned) { return {x < 20 ? 255U : 0U, 0, 0}; }
+Colour lightnessColours(unsigned x, unsigned) { return grey(x < 20 ? 255 : 0); }
+
+const Kind kKinds[] = {
+    {"WhiteIsZero", PHOTOMETRIC_MINISWHITE, 1, bilevel, blackIsOne},
+    {"BlackIsZero", PHOTOMETRIC_MINISBLACK, 1, bilevel, whiteIsOne},
+    {"Group3", PHOTOMETRIC_MINISWHITE, 1, bilevel, blackIsOne, COMPRESSION_CCITTFAX3},
+    {"Group4", PHOTOMETRIC_MINISWHITE, 1, bilevel, blackIsOne, COMPRESSION_CCITTFAX4},
+    {"PackBits", PHOTOMETRIC_MINISBLACK, 1, bilevel, whiteIsOne, COMPRESSION_PACKBITS},
+    {"BilevelTiles", PHOTOMETRIC_MINISBLACK, 1, bilevel, whiteIsOne, COMPRESSION_CCITTFAX4, true},
+    {"Grey2", PHOTOMETRIC_MINISBLACK, 2, low<3>, lowGrey<3>},
+    {"Grey4", PHOTOMETRIC_MINISBLACK, 4, low<15>, lowGrey<15>},
+    {"Grey8", PHOTOMETRIC_MINISBLACK, 8, grey8, greys, COMPRESSION_LZW},
+    {"Grey8Inverted", PHOTOMETRIC_MINISWHITE, 8, grey8, [](unsigned x, unsigned y) { return grey(255 - red(x, y)); }},
+    {"Grey16", PHOTOMETRIC_MINISBLACK, 16, [](unsigned x, unsigned y) { return Samples{red(x, y) * 257}; }, greys},
+    {"Grey8Tiles", PHOTOMETRIC_MINISBLACK, 8, grey8, greys, COMPRESSION_ADOBE_DEFLATE, true},
+    {"Palette1", PHOTOMETRIC_PALETTE, 1, low<1>, looked<1>},
+    {"Palette4", PHOTOMETRIC_PALETTE, 4, low<15>, looked<15>},
+    {"Palette8", PHOTOMETRIC_PALETTE, 8, low<255>, looked<255>, COMPRESSION_LZW},
+    {"Rgb", PHOTOMETRIC_RGB, 8, rgb8, colours},
+    {"RgbOneStrip", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, false, PLANARCONFIG_CONTIG, {}, 0, kHeight},
+    {"RgbDeflate", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_ADOBE_DEFLATE},
+    {"RgbTiles", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, true},
+    {"RgbPlanes", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_NONE, false, PLANARCONFIG_SEPARATE},
+    {"RgbTiledPlanes", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, true, PLANARCONFIG_SEPARATE},
+    {"Rgb16", PHOTOMETRIC_RGB, 16, rgb16, colours, COMPRESSION_ADOBE_DEFLATE},
+    {"Rgb16Planes", PHOTOMETRIC_RGB, 16, rgb16, colours, COMPRESSION_NONE, false, PLANARCONFIG_SEPARATE},
+    {"AlphaSeparate",
+     PHOTOMETRIC_RGB,
+     8,
+     separateAlpha,
+     blended,
+     COMPRESSION_NONE,
+     false,
+     PLANARCONFIG_CONTIG,
+     {EXTRASAMPLE_UNASSALPHA},
+     1},
+    {"AlphaMultiplied",
+     PHOTOMETRIC_RGB,
+     8,
+     multiplied,
+     blended,
+     COMPRESSION_NONE,
+     false,
+     PLANARCONFIG_CONTIG,
+     {EXTRASAMPLE_ASSOCALPHA},
+     1},
+    {"AlphaTiles",
+     PHOTOMETRIC_RGB,
+     8,
+     separateAlpha,
+     blended,
+     COMPRESSION_NONE,
+     true,
+     PLANARCONFIG_CONTIG,
+     {EXTRASAMPLE_UNASSALPHA},
+     1},
+    {"UnnamedFourth",
+     PHOTOMETRIC_RGB,
+     8,
+     unnamedFourth,
+     colours,
+     COMPRESSION_NONE,
+     false,
+     PLANARCONFIG_CONTIG,
+     {EXTRASAMPLE_UNSPECIFIED}},
+    {"UnnamedFourthTiles",
+     PHOTOMETRIC_RGB,
+     8,
+     unnamedFourth,
+     colours,
+     COMPRESSION_NONE,
+     true,
+     PLANARCONFIG_CONTIG,
+     {EXTRASAMPLE_UNSPECIFIED}},
+    {"Cmyk", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, COMPRESSION_NONE, false, PLANARCONFIG_CONTIG, {}, 1},
+    {"Cmyk16", PHOTOMETRIC_SEPARATED, 16,
+     [](unsigned x, unsigned y) {
+         Samples samples = cmyk(x, y);
+         for (unsigned& sample : samples) sample *= 257;
+         return samples;
+     },
+     cmykColours},
+    {"CmykTiles", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, COMPRESSION_LZW, true, PLANARCONFIG_CONTIG, {}, 1},
+    {"YccDeflate", PHOTOMETRIC_YCBCR, 8, greyYcc, greys, COMPRESSION_ADOBE_DEFLATE, false, PLANARCONFIG_CONTIG, {}, 1},
+    {"Lab", PHOTOMETRIC_CIELAB, 8, lightness, lightnessColours, COMPRESSION_NONE, false, PLANARCONFIG_CONTIG, {}, 40},
+    {"JpegGrey",
+     PHOTOMETRIC_MINISBLACK,
+     8,
+     [](unsigned x, unsigned) { return Samples{x * 4}; },
+     [](unsigned x, unsigned) { return grey(x * 4); },
+     COMPRESSION_JPEG,
+     false,
+     PLANARCONFIG_CONTIG,
+     {},
+     6,
+     8},
+    {"JpegYcc", PHOTOMETRIC_YCBCR, 8, smooth, smoothColours, COMPRESSION_JPEG, false, PLANARCONFIG_CONTIG, {}, 12, 16},
+    {"JpegTiles", PHOTOMETRIC_YCBCR, 8, smooth, smoothColours, COMPRESSION_JPEG, true, PLANARCONFIG_CONTIG, {}, 12},
+};
+
+void setTags(TIFF* tif, const Kind& kind, std::size_t samples) {
+    TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, kWidth);
+    TIFFSetField(tif, TIFFTAG_IMAGELENGTH, kHeight);
+    TIFFSetField(tif, TIFFTAG_BITSPERSAMPLE, kind.bits);
+    TIFFSetField(tif, TIFFTAG_SAMPLESPERPIXEL, static_cast<int>(samples));
+    TIFFSetField(tif, TIFFTAG_COMPRESSION, kind.compression);
+    TIFFSetField(tif, TIFFTAG_PHOTOMETRIC, kind.photometric);
+    TIFFSetField(tif, TIFFTAG_PLANARCONFIG, kind.planar);
+    if (!kind.extra.empty()) {
+        TIFFSetField(tif, TIFFTAG_EXTRASAMPLES, static_cast<int>(kind.extra.size()), kind.extra.data());
+    }
+    if (kind.compression == COMPRESSION_JPEG) {
+        TIFFSetField(tif, TIFFTAG_JPEGQUALITY, 95);
+        if (kind.photometric == PHOTOMETRIC_YCBCR) TIFFSetField(tif, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+    } else if (kind.photometric == PHOTOMETRIC_YCBCR) {
+        TIFFSetField(tif, TIFFTAG_YCBCRSUBSAMPLING, 1, 1);
+    }
+    if (kind.photometric == PHOTOMETRIC_PALETTE) {
+        const unsigned last = (1U << kind.bits) - 1;
+        std::vector<std::uint16_t> maps[3];
+        for (unsigned i = 0; i <= last; ++i) {
+            const unsigned up = i * 255 / last;
+            maps[0].push_back(static_cast<std::uint16_t>(up * 257));
+            maps[1].push_back(static_cast<std::uint16_t>((255 - up) * 257));
+            maps[2].push_back(7 * 257);
+        }
+        TIFFSetField(tif, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
+    }
+    if (kind.tiled) {
+        TIFFSetField(tif, TIFFTAG_TILEWIDTH, kTile);
+        TIFFSetField(tif, TIFFTAG_TILELENGTH, kTile);
+    } else {
+        TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, kind.rowsPerStrip);
+    }
+}
+
+/// Rows of a rectangle as they are stored: all samples, or those of one plane.
+std::string stored(const Kind& kind, unsigned left, unsigned top, unsigned width, unsigned height, int plane) {
+    std::string out;
+    for (unsigned y = top; y < top + height; ++y) {
+        unsigned byte = 0;
+        unsigned used = 0;
+        for (unsigned x = left; x < left + width; ++x) {
+            const Samples samples = kind.samples(std::min(x, kWidth - 1), std::min(y, kHeight - 1));
+            for (std::size_t s = 0; s < samples.size(); ++s) {
+                if (plane >= 0 && s != static_cast<std::size_t>(plane)) continue;
+                if (kind.bits == 16) {
+                    out += static_cast<char>(samples[s] & 255U);
+                    out += static_cast<char>(samples[s] >> 8U);
+                    continue;
+                }
+                byte = byte << kind.bits | samples[s];
+                used += kind.bits;
+                if (used == 8) out += static_cast<char>(byte);
+                if (used == 8) byte = used = 0;
+            }
+        }
+        if (used > 0) out += static_cast<char>(byte << (8 - used));
+    }
+    return out;
+}
+
+void addDirectory(TIFF* tif, const Kind& kind, const std::function<void(TIFF*)>& more = {}) {
+    const std::size_t samples = kind.samples(0, 0).size();
+    setTags(tif, kind, samples);
+    if (more) more(tif);
+    const bool planes = kind.planar == PLANARCONFIG_SEPARATE;
+    const unsigned stepX = kind.tiled ? kTile : kWidth;
+    const unsigned stepY = kind.tiled ? kTile : kind.rowsPerStrip;
+    for (int plane = planes ? 0 : -1; plane < (planes ? static_cast<int>(samples) : 0); ++plane) {
+        const auto sample = static_cast<std::uint16_t>(std::max(plane, 0));
+        for (unsigned y = 0; y < kHeight; y += stepY) {
+            for (unsigned x = 0; x < kWidth; x += stepX) {
+                const unsigned rows = kind.tiled ? kTile : std::min(stepY, kHeight - y);
+                std::string bytes = stored(kind, x, y, stepX, rows, plane);
+                const auto size = static_cast<tmsize_t>(bytes.size());
+                if (kind.tiled)
+                    TIFFWriteTile(tif, bytes.data(), x, y, 0, sample);
+                else
+                    TIFFWriteEncodedStrip(tif, TIFFComputeStrip(tif, y, sample), bytes.data(), size);
+            }
+        }
+    }
+    TIFFWriteDirectory(tif);
+}
+
+std::string makeTiff(const WorkDirectory& work, const Kind& kind, int pages = 1,
+                     const std::function<void(TIFF*)>& more = {}, const char* mode = "wl") {
+    const std::string path = work.at("in.tif");
+    TIFF* const tif = TIFFOpen(path.c_str(), mode);
+    for (int i = 0; i < pages; ++i) addDirectory(tif, kind, more);
+    TIFFClose(tif);
+    return path;
+}
+
+const Kind& kindNamed(std::string_view name) {
+    return *std::ranges::find_if(kKinds, [&](const Kind& kind) { return kind.name == name; });
+}
+
+class TiffKind : public testing::TestWithParam<Kind> {};
+
+TEST_P(TiffKind, SamplesArrive) {
+    const Kind& kind = GetParam();
+    const WorkDirectory work;
+    ASSERT_EQ(convert(makeTiff(work, kind), work.at("out.pdf")), 0);
+    expectSound(work, "out.pdf");
+    const std::string pixels = streamOf(work.read("out.pdf"), 5);
+    ASSERT_EQ(pixels.size(), 3U * kWidth * kHeight);
+    for (unsigned i = 0; i < kWidth * kHeight; ++i) {
+        const Colour expected = kind.rgb(i % kWidth, i / kWidth);
+        for (unsigned c = 0; c < 3; ++c) {
+            const int found = static_cast<unsigned char>(pixels[3 * i + c]);
+            ASSERT_NEAR(found, expected[c], kind.tolerance) << "x " << i % kWidth << " y " << i / kWidth << " c " << c;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, TiffKind, testing::ValuesIn(kKinds), [](const auto& test) { return test.param.name; });
+
+struct Place {
+    const char* name;
+    int orientation;
+    float across;
+    float down;
+    int unit;
+    std::string box;  // width, height
+    std::string matrix;
+};
+
+// 37 x 21 samples at 37 x 42 dots per inch are a page of 72 x 36 points.
+const Place kPlaces[] = {
+    {"Plain", 1, 37, 42, RESUNIT_INCH, "72.00 36.00", "72.00 0 0 36.00 0 0"},
+    {"TopRight", 2, 37, 42, RESUNIT_INCH, "72.00 36.00", "-72.00 0 0 36.00 72.00 0"},
+    {"BottomRight", 3, 37, 42, RESUNIT_INCH, "72.00 36.00", "-72.00 0 0 -36.00 72.00 36.00"},
+    {"BottomLeft", 4, 37, 42, RESUNIT_INCH, "72.00 36.00", "72.00 0 0 -36.00 0 36.00"},
+    {"LeftTop", 5, 37, 42, RESUNIT_INCH, "36.00 72.00", "0 -72.00 -36.00 0 36.00 72.00"},
+    {"RightTop", 6, 37, 42, RESUNIT_INCH, "36.00 72.00", "0 -72.00 36.00 0 0 72.00"},
+    {"RightBottom", 7, 37, 42, RESUNIT_INCH, "36.00 72.00", "0 72.00 36.00 0 0 0"},
+    {"LeftBottom", 8, 37, 42, RESUNIT_INCH, "36.00 72.00", "0 72.00 -36.00 0 36.00 0"},
+    {"Centimetres", 1, 100, 100, RESUNIT_CENTIMETER, "10.49 5.95", "10.49 0 0 5.95 0 0"},
+    {"ShapeOnly", 1, 2, 1, RESUNIT_NONE, "8.88 10.08", "8.88 0 0 10.08 0 0"},
+    {"Absent", 1, -1, -1, RESUNIT_INCH, "8.88 5.04", "8.88 0 0 5.04 0 0"},
+    {"Tiny", 1, 1, 1, RESUNIT_INCH, "8.88 5.04", "8.88 0 0 5.04 0 0"},
+    {"Huge", 1, 300, 1e9F, RESUNIT_INCH, "8.88 5.04", "8.88 0 0 5.04 0 0"},
+};
+
+TEST(Tiff, TagsMakeThePage) {
+    for (const Place& place : kPlaces) {
+        const WorkDirectory work;
+        const auto tags = [&](TIFF* tif) {
+            TIFFSetField(tif, TIFFTAG_ORIENTATION, place.orientation);
+            if (place.across < 0) return;
+            TIFFSetField(tif, TIFFTAG_XRESOLUTION, place.across);
+            TIFFSetField(tif, TIFFTAG_YRESOLUTION, place.down);
+            TIFFSetField(tif, TIFFTAG_RESOLUTIONUNIT, place.unit);
+        };
+        for (const char* const kind : {"Rgb", "RgbTiles"}) {  // both ways of reading leave turning to the page
+            ASSERT_EQ(convert(makeTiff(work, kindNamed(kind), 1, tags), work.at("out.pdf")), 0);
+            const std::string pdf = work.read("out.pdf");
+            EXPECT_EQ(objectText(pdf, 4),
+                      "4 0 obj\r\n<< \r\n/Type /Page \r\n/Resources << /XObject << /I-0 5 0 R >> "
+                      "/ProcSet [/PDF /ImageC] >> \r\n/MediaBox [0 0 " +
+                          place.box + "] \r\n/Parent 3 0 R \r\n/Contents 6 0 R \r\n>>\r\nendobj")
+                << place.name;
+            EXPECT_EQ(streamOf(pdf, 6), "q\n" + place.matrix + " cm\n/I-0 Do\nQ\n") << place.name;
+            EXPECT_EQ(streamOf(pdf, 5), stored(kindNamed("Rgb"), 0, 0, kWidth, kHeight, -1)) << place.name;
+        }
+    }
+}
+
+TEST(Tiff, EachDirectoryBecomesAPage) {
+    const WorkDirectory work;
+    for (const char* const mode : {"wl", "wb", "w8"}) {
+        ASSERT_EQ(convert(makeTiff(work, kindNamed("Grey8"), 3, {}, mode), work.at("out.pdf")), 0);
+        expectSound(work, "out.pdf");
+        const std::string pdf = work.read("out.pdf");
+        EXPECT_EQ(pdf.substr(0, pdf.find("4 0 obj")),
+                  "%PDF-1.2\r\n%\xE2\xE3\xCF\xD3\r\n1 0 obj\r\n<<\r\n/Producer (varnpdf TIFF converter 1.0.3)\r\n"
+                  "/Creator (https://varnpdf.example)\r\n>>\r\nendobj\r\n"
+                  "2 0 obj\r\n<<\r\n/Type /Catalog\r\n /Pages 3 0 R\r\n>>\r\nendobj\r\n"
+                  "3 0 obj\r\n<< \r\n/Type /Pages \r\n/Kids [4 0 R 7 0 R 10 0 R] \r\n/Count 3 \r\n>>\r\nendobj\r\n");
+        EXPECT_EQ(objectText(pdf, 11).substr(0, objectText(pdf, 11).find("/Length")),
+                  "11 0 obj\r\n<< /Type /XObject /Subtype /Image /Name /I-2 /Width 37 /Height 21 /BitsPerComponent 8 "
+                  "/Filter /FlateDecode /ColorSpace /DeviceRGB ");
+        EXPECT_EQ(streamOf(pdf, 12), "q\n8.88 0 0 5.04 0 0 cm\n/I-2 Do\nQ\n");
+    }
+    TIFF* const tif = TIFFOpen(work.at("in.tif").c_str(), "r");
+    std::FILE* const file = std::fopen(work.at("framed").c_str(), "wb");
+    EXPECT_EQ(ConvertTIFF(tif, file), 0);
+    std::fclose(file);
+    TIFFClose(tif);
+    EXPECT_EQ(work.read("framed"), work.read("out.pdf"));
+}
+
+/// Where the link behind the directories of a classic little-endian file stands, by page.
+std::vector<std::size_t> links(const std::string& tiff) {
+    const auto number = [&](std::size_t at, std::size_t size) {
+        std::size_t value = 0;
+        for (std::size_t i = size; i-- > 0;) value = value << 8U | static_cast<unsigned char>(tiff[at + i]);
+        return value;
+    };
+    std::vector<std::size_t> out;
+    for (std::size_t at = number(4, 4); at != 0; at = number(out.back(), 4)) {
+        out.push_back(at + 2 + 12 * number(at, 2));
+    }
+    return out;
+}
+
+TEST(Tiff, DamageIsRefusedAndLoopsEnd) {
+    const WorkDirectory work;
+    makeTiff(work, kindNamed("RgbDeflate"), 3);
+    const std::string good = work.read("in.tif");
+    const std::size_t last = links(good).back();
+    const auto result = [&](const std::string& bytes) {
+        return convert(work.write("bad.tif", bytes), work.at("x.pdf"));
+    };
+    EXPECT_EQ(result(std::string(good).replace(last, 4, good, 4, 4)), 0);  // back to the first
+    EXPECT_NE(work.read("x.pdf").find("/Count 3 "), std::string::npos);
+    std::filesystem::remove(work.at("x.pdf"));
+
+    const LogCapture log("VarnPDF.VarnImage");
+    EXPECT_EQ(result(std::string(good).replace(last, 4, "\xFF\xFF\xFF\x7F")), -601);  // a page that is not there
+    EXPECT_EQ(result(good.substr(0, good.size() - 20)), -601);
+    EXPECT_EQ(result(good.substr(0, 8)), -601);
+    EXPECT_EQ(result(std::string(good).replace(good.find("\x78\x9c"), 30, 30, 'z')), -601);
+    EXPECT_FALSE(log.messages().empty());
+    EXPECT_EQ(work.files(), 2) << "nothing is left of a refused file";
+}
+
+TEST(Tiff, SizesAreBounded) {
+    struct Size {
+        std::uint32_t width;
+        std::uint32_t height;
+    };
+    for (const Size size : {Size{1'000'001, 1}, Size{1, 1'000'001}, Size{20'000, 20'000}, Size{999'999, 999'999}}) {
+        const WorkDirectory work;
+        TIFF* const tif = TIFFOpen(work.at("in.tif").c_str(), "w");
+        setTags(tif, kindNamed("Group4"), 1);
+        TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, size.width);
+        TIFFSetField(tif, TIFFTAG_IMAGELENGTH, size.height);
+        TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, size.height);
+        TIFFWriteDirectory(tif);
+        TIFFClose(tif);
+        EXPECT_EQ(convert(work.at("in.tif"), work.at("out.pdf")), -601) << size.width << " x " << size.height;
+    }
+}
+
+int warnings = 0;
+void countWarnings(const char*, const char*, std::va_list) { ++warnings; }
+
+TEST(Tiff, HandlersOfTheHostReturn) {
+    const WorkDirectory work;
+    const std::string in = makeTiff(work, kindNamed("Rgb"));
+    const TIFFErrorHandler errors = TIFFSetErrorHandler(countWarnings);
+    const TIFFErrorHandler before = TIFFSetWarningHandler(countWarnings);
+    std::vector<std::thread> threads;
+    std::array<int, 4> codes{};
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+        threads.emplace_back([&, i] {
+            for (int turn = 0; turn < 20; ++turn) codes[i] += convert(in, work.at("out" + std::to_string(i)));
+            codes[i] += convert(work.write("bad" + std::to_string(i) + ".tif", "bad"), work.at("x")) == -601 ? 0 : 1;
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(codes, (std::array<int, 4>{}));
+    EXPECT_EQ(TIFFSetErrorHandler(errors), countWarnings);
+    EXPECT_EQ(TIFFSetWarningHandler(before), countWarnings);
+    EXPECT_EQ(warnings, 0);
+}
+
+}  // namespace
