@@ -1,7 +1,4 @@
 // Opening a document and every reading call on it.
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -11,31 +8,15 @@
 #include <string_view>
 
 #include "fuzz/support/Check.h"
+#include "fuzz/support/MemoryFile.h"
 #include "fuzz/support/Transcript.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PdfBuilder.h"
 
 using varnpdf::fuzz::check;
+using varnpdf::fuzz::MemoryFile;
 
 namespace {
-
-/// A file in memory that can be opened by name.
-class MemoryFile {
-public:
-    MemoryFile() : handle_(memfd_create("varnpdf", MFD_CLOEXEC)), path_("/proc/self/fd/" + std::to_string(handle_)) {
-        check(handle_ >= 0, "a file in memory can be made");
-    }
-    void fill(std::string_view bytes) const {
-        check(ftruncate(handle_, 0) == 0, "a file in memory can be emptied");
-        const ssize_t written = pwrite(handle_, bytes.data(), bytes.size(), 0);
-        check(written == static_cast<ssize_t>(bytes.size()), "a file in memory can be filled");
-    }
-    [[nodiscard]] const char* path() const { return path_.c_str(); }
-
-private:
-    int handle_;
-    std::string path_;
-};
 
 /// The destructor is part of what is tested.
 std::string read(const MemoryFile& file) {

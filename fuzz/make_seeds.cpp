@@ -1,5 +1,6 @@
-// Writes the first inputs of the fuzz targets: make_seeds DIRECTORY. Documents go to DIRECTORY/open, texts to
-// DIRECTORY/syntax, keys with texts to DIRECTORY/entry. Small files of the corpus join the documents.
+// Writes the first inputs of the fuzz targets: make_seeds DIRECTORY. Documents go to DIRECTORY/open, the same and
+// documents with forms to DIRECTORY/sign, texts to DIRECTORY/syntax, keys with texts to DIRECTORY/entry. Small files of
+// the corpus join the documents.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -99,6 +100,26 @@ std::map<std::string, std::string> documents() {
     return out;
 }
 
+// What a preparation has to change or to find its way around.
+std::map<std::string, std::string> formDocuments() {
+    const auto document = [](const std::string& form, const std::string& page, int sections) {
+        PdfBuilder builder("\r\n");
+        builder.object(1, "<< /Type /Catalog /Pages 2 0 R /AcroForm " + form + " /Metadata 8 0 R >>");
+        builder.object(2, "<< /Type /Pages /Kids [3 0 R] /Count 1 /MediaBox [0 0 595 842] >>");
+        builder.object(3, "<< /Type /Page /Parent 2 0 R " + page + " >>");
+        builder.object(4, "<< /Fields [5 0 R] /SigFlags 1 /DR << /Font << /F 9 0 R >> >> >>");
+        builder.object(5, "<< /Type /Annot /Subtype /Widget /FT /Sig /T (Empty) /Rect [9 9 99 99] /P 3 0 R >>");
+        builder.object(6, "[5 0 R]");
+        builder.stream(8, "/Type /Metadata", "<xmp:ModifyDate>2024-01-01T00:00:00Z</xmp:ModifyDate>");
+        builder.object(9, "<< /Type /Font /ModDate (D:20240101000000Z) >>");
+        if (sections > 1) builder.table().object(3, "<< /Type /Page /Parent 2 0 R " + page + " >>");
+        return builder.table({.entries = "/Root 1 0 R /Info 9 0 R /ID [<0011> <2233>]"}).bytes();
+    };
+    return {{"form", document("4 0 R", "/Annots [5 0 R]", 1)},
+            {"form-direct", document("<< /Fields [5 0 R] /DA (/F 0 Tf) >>", "/Annots 6 0 R /Rotate 90", 2)},
+            {"form-none", document("null", "/Annots null", 1)}};
+}
+
 const std::vector<std::string> kTexts = {"12",
                                          "-1.5e3 4",
                                          "12 0 R",
@@ -158,9 +179,12 @@ int main(int argc, char** argv) {
         return 2;
     }
     const fs::path root(argv[1]);
-    for (const char* const name : {"open", "syntax", "entry", "store"}) fs::create_directories(root / name);
+    for (const char* const name : {"open", "sign", "syntax", "entry", "store"}) fs::create_directories(root / name);
     const auto made = documents();
+    const auto forms = formDocuments();
     for (const auto& [name, bytes] : made) write(root / "open" / (name + ".pdf"), bytes);
+    for (const auto& [name, bytes] : made) write(root / "sign" / (name + ".pdf"), bytes);
+    for (const auto& [name, bytes] : forms) write(root / "sign" / (name + ".pdf"), bytes);
     for (std::size_t i = 0; i < kTexts.size(); ++i) write(root / "syntax" / std::to_string(i), kTexts[i]);
     for (std::size_t i = 0; i < kEntries.size(); ++i) {
         write(root / "entry" / std::to_string(i), kEntries[i].first + '\0' + kEntries[i].second);
@@ -170,6 +194,7 @@ int main(int argc, char** argv) {
         for (const std::string& body : kStores[i]) bodies += body + '\0';
         write(root / "store" / std::to_string(i), bodies);
     }
-    std::printf("%zu documents of our own, %d of the corpus\n", made.size(), copyCorpus(root / "open"));
+    copyCorpus(root / "sign");
+    std::printf("%zu documents of our own, %d of the corpus\n", made.size() + forms.size(), copyCorpus(root / "open"));
     return 0;
 }
