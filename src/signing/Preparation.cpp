@@ -250,7 +250,9 @@ int Preparation::closeSection(CPdfXRefContainer& xrefs) {
     const CPdfTrailer& last = *pdf_.GetLastTrailer();
     xrefs.SortXRefList();
     if (!last.GetIsCrossRefStream()) {
-        trailer.SetSize(std::max(trailer.GetSize(), numbers_.next));
+        // One more than the highest number written (ISO 32000-2 table 15), not than the highest one reserved.
+        const CPdfXRef& highest = xrefs.GetXRef()[xrefs.GetXRefNum() - 1];
+        trailer.SetSize(std::max(trailer.GetSize(), highest.GetRefStart() + highest.GetRefNum()));
         pdf_.WriteTrailer(&xrefs, &trailer, true, true);
         return VARNPDF_OK;
     }
