@@ -256,7 +256,7 @@ int Preparation::closeSection(CPdfXRefContainer& xrefs) {
     const CPdfTrailer& last = *pdf_.GetLastTrailer();
     xrefs.SortXRefList();
     if (!last.GetIsCrossRefStream()) {
-        // Numbers that were reserved for nothing do not count.
+        // One more than the highest number written (ISO 32000-2 table 15), not than the highest one reserved.
         const CPdfXRef& highest = xrefs.GetXRef()[xrefs.GetXRefNum() - 1];
         trailer.SetSize(std::max(trailer.GetSize(), highest.GetRefStart() + highest.GetRefNum()));
         pdf_.WriteTrailer(&xrefs, &trailer, true, true);

@@ -10,7 +10,8 @@ the page. After every signature:
   verify   the same from "varnpdf verify"
   picture  the page looks as before outside of the signature, and the signature stands there upright (pdftoppm)
 
-Failures must be those of the kept list (see --expected). Exit code: 0 all as expected, 1 not, 2 wrong use, 77 no corpus.
+Failures must be those of the kept list (see --expected). Exit code: 0 all as expected, 1 not, 2 wrong use, 77 nothing
+to sign or no tool.
 """
 import argparse
 import collections
@@ -74,8 +75,8 @@ def pdfsig(file):
         ranges = re.search(r"Signed Ranges: \[(\d+) - (\d+)\], \[(\d+) - (\d+)\]", block)
         if ranges:
             a, b, c, d = map(int, ranges.groups())
-            found[a, b - a, c, d - c] = ("Signature is Valid" in block, re.search("^ +- Total document signed", block, re.M)
-                                         is not None)
+            whole = re.search("^ +- Total document signed", block, re.M) is not None
+            found[a, b - a, c, d - c] = ("Signature is Valid" in block, whole)
     return found
 
 
@@ -107,7 +108,8 @@ def png(path, size=64):
     data = zlib.compress(b"".join(row[lower] * (size // 2) for lower in (0, 1)))
     with open(path, "wb") as out:
         out.write(b"\x89PNG\r\n\x1a\n")
-        for kind, body in ((b"IHDR", struct.pack(">IIBBBBB", size, size, 8, 2, 0, 0, 0)), (b"IDAT", data), (b"IEND", b"")):
+        header = struct.pack(">IIBBBBB", size, size, 8, 2, 0, 0, 0)
+        for kind, body in ((b"IHDR", header), (b"IDAT", data), (b"IEND", b"")):
             out.write(struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body)))
 
 
@@ -178,7 +180,7 @@ class Place:
             x = left + (right - left) * (0.75 if number % 2 else 0.25)
             y = top + (bottom - top) * (0.75 if number // 2 else 0.25)
             if any(abs(a - b) > 60 for a, b in zip(after.at(x, y), colour)):
-                raise Failed("picture", f"quadrant {number} of the signature has the colour {after.at(x, y)} in {frame}")
+                raise Failed("picture", f"quadrant {number} of the signature is {after.at(x, y)} in {frame}")
 
 
 # --- one document -----------------------------------------------------------------------------------------------------
@@ -206,8 +208,8 @@ class Chain:
 
     def sign(self, step, out):
         place = Place(self.page, step - 1) if self.mode == "visible" else None
-        code, _, err = run("sign", self.matrix.program, "sign", self.file, "-o", out, "--key", self.matrix.key, "--cert",
-                           self.matrix.certificate, *(place.options(self.matrix.image) if place else ()))
+        code, _, err = run("sign", self.matrix.program, "sign", self.file, "-o", out, "--key", self.matrix.key,
+                           "--cert", self.matrix.certificate, *(place.options(self.matrix.image) if place else ()))
         if code != 0:
             raise Failed("sign", err.split(": ", 2)[-1])
         result = out.read_bytes()
@@ -333,7 +335,8 @@ def main():
     parser.add_argument("--program", default=os.environ.get("VARNPDF", "varnpdf"), help="varnpdf (default: $VARNPDF)")
     parser.add_argument("--corpus", default=os.environ.get("VARNPDF_CORPUS", HERE.parents[2] / "shared/corpus"),
                         help="directory of PDF files (default: $VARNPDF_CORPUS)")
-    parser.add_argument("--expected", default=HERE / "matrix-expected.tsv", type=pathlib.Path, help="failures with a cause")
+    parser.add_argument("--expected", default=HERE / "matrix-expected.tsv", type=pathlib.Path,
+                        help="failures with a cause")
     parser.add_argument("-j", "--jobs", type=int, default=os.cpu_count(), help="documents at the same time")
     parser.add_argument("--every", type=int, default=1, metavar="N", help="only every N-th document of the corpus")
     parser.add_argument("--start", type=int, default=0, metavar="K", help="beginning with the K-th")

@@ -51,8 +51,8 @@ def stream(objects, packed=(), widths=(1, 2, 1), trailer="/ID [<00aa><00aa>]"):
     data = zlib.compress(b"".join(b"".join(struct.pack(">Q", value)[8 - width:] for value, width in zip(
         rows.get(number, (0, 0, 0)), widths)) for number in range(section + 1)))
     out += (b"%d 0 obj\n<< /Type /XRef /Size %d /W [%d %d %d] /Root 1 0 R %s /Filter /FlateDecode /Length %d >>\n"
-            b"stream\n" % (section, section + 1, *widths, trailer.encode(), len(data)) + data + b"\nendstream\nendobj\nstartxref\n%d\n%%%%EOF\n"
-            % rows[section][1])
+            b"stream\n" % (section, section + 1, *widths, trailer.encode(), len(data)) + data
+            + b"\nendstream\nendobj\nstartxref\n%d\n%%%%EOF\n" % rows[section][1])
     return out
 
 

@@ -46,6 +46,7 @@ TEST(Prepare, WidgetAndDictionary) {
                   range + "]\r\n>>");
     OpenedPdf visible(signedFile(small(), {.x = 10, .y = 20, .width = 30, .height = 40}));
     EXPECT_TRUE(holds(visible.body(10), "/Rect [ 10 20 40 60 ]\r\n"));
+    EXPECT_EQ(visible.pdf.GetLastTrailer()->GetSize(), 16);  // /n2 is the last object, though more are reserved
     EXPECT_TRUE(holds(visible.body(10), "/AP << /N 13 0 R >>\r\n"));
     OpenedPdf flat(signedFile(small(), {.x = 10, .y = 20, .width = 30, .height = 0, .image = "/none"}));
     EXPECT_TRUE(holds(flat.body(10), "/Rect [ 0 0 0 0 ]\r\n"));
