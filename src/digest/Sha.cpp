@@ -91,33 +91,47 @@ void compressSha2(std::array<typename Sha::Word, 8>& chain, const unsigned char*
     for (std::size_t i = 0; i < chain.size(); ++i) chain[i] += words[i];
 }
 
-/// One block of SHA-1 (FIPS 180-4 6.1.2).
+/// Word number t of the schedule of SHA-1, of which 16 words are kept (FIPS 180-4 6.1.3). Made one by one: a loop of its
+/// own would be vectorized, and reading back words that were just written in pairs costs more than that saves.
+std::uint32_t scheduled(std::array<std::uint32_t, 16>& w, std::size_t t) {
+    std::uint32_t& word = w[t % 16];
+    if (t >= 16) word = std::rotl(w[(t + 13) % 16] ^ w[(t + 8) % 16] ^ w[(t + 2) % 16] ^ word, 1);
+    return word;
+}
+
+/// Twenty rounds of SHA-1 with one function and one constant.
+template <typename Mix>
+void twentyRounds(std::array<std::uint32_t, 5>& variables, std::array<std::uint32_t, 16>& w, std::size_t from,
+                  std::uint32_t constant, Mix mix) {
+    using Word = std::uint32_t;
+    auto [a, b, c, d, e] = variables;
+    const auto round = [constant, mix](Word A, Word& B, Word C, Word D, Word& E, Word input) {
+        E += std::rotl(A, 5) + mix(B, C, D) + constant + input;
+        B = std::rotl(B, 30);
+    };
+    for (std::size_t t = from; t < from + 20; t += 5) {
+        round(a, b, c, d, e, scheduled(w, t));
+        round(e, a, b, c, d, scheduled(w, t + 1));
+        round(d, e, a, b, c, scheduled(w, t + 2));
+        round(c, d, e, a, b, scheduled(w, t + 3));
+        round(b, c, d, e, a, scheduled(w, t + 4));
+    }
+    variables = {a, b, c, d, e};
+}
+
+/// One block of SHA-1.
 void compressSha1(std::array<std::uint32_t, 8>& chain, const unsigned char* block, const std::uint32_t* constants) {
     using Word = std::uint32_t;
-    Word w[80];
-    for (std::size_t t = 0; t < 16; ++t) w[t] = loadBig<Word>(block + t * sizeof(Word));
-    for (std::size_t t = 16; t < 80; ++t) w[t] = std::rotl(w[t - 3] ^ w[t - 8] ^ w[t - 14] ^ w[t - 16], 1);
-    Word a = chain[0], b = chain[1], c = chain[2], d = chain[3], e = chain[4];
-    const auto twenty = [&](std::size_t from, Word constant, auto mix) {
-        const auto round = [&](Word A, Word& B, Word C, Word D, Word& E, Word input) {
-            E += std::rotl(A, 5) + mix(B, C, D) + constant + input;
-            B = std::rotl(B, 30);
-        };
-        for (std::size_t t = from; t < from + 20; t += 5) {
-            round(a, b, c, d, e, w[t]);
-            round(e, a, b, c, d, w[t + 1]);
-            round(d, e, a, b, c, w[t + 2]);
-            round(c, d, e, a, b, w[t + 3]);
-            round(b, c, d, e, a, w[t + 4]);
-        }
-    };
+    std::array<Word, 16> w{};
+    for (std::size_t t = 0; t < w.size(); ++t) w[t] = loadBig<Word>(block + t * sizeof(Word));
+    std::array<Word, 5> variables = {chain[0], chain[1], chain[2], chain[3], chain[4]};
+    // Lambdas have types of their own and so become part of the loop; function pointers would not.
     const auto parity = [](Word x, Word y, Word z) { return x ^ y ^ z; };
-    twenty(0, constants[0], choice<Word>);
-    twenty(20, constants[1], parity);
-    twenty(40, constants[2], majority<Word>);
-    twenty(60, constants[3], parity);
-    const Word words[5] = {a, b, c, d, e};
-    for (std::size_t i = 0; i < 5; ++i) chain[i] += words[i];
+    twentyRounds(variables, w, 0, constants[0], [](Word x, Word y, Word z) { return choice(x, y, z); });
+    twentyRounds(variables, w, 20, constants[1], parity);
+    twentyRounds(variables, w, 40, constants[2], [](Word x, Word y, Word z) { return majority(x, y, z); });
+    twentyRounds(variables, w, 60, constants[3], parity);
+    for (std::size_t i = 0; i < variables.size(); ++i) chain[i] += variables[i];
 }
 
 }  // namespace

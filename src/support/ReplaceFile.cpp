@@ -56,9 +56,9 @@ bool replaceRegular(const std::string& path, Pieces pieces, const struct stat* e
     if (good && existing != nullptr) {
         // Only root may give files away; whoever replaces the file of another then owns the new one.
         static_cast<void>(::fchown(file, existing->st_uid, existing->st_gid) == 0);
-        good = ::fchmod(file, existing->st_mode & 07777U) == 0;
+        // The old bytes go only when the new ones are on the disk; a new file has nothing to lose, and waiting is slow.
+        good = ::fchmod(file, existing->st_mode & 07777U) == 0 && ::fsync(file) == 0;
     }
-    good = good && ::fsync(file) == 0;
     good = closeAfter(good, file);
     if (good && std::rename(temporary.c_str(), path.c_str()) == 0) return true;
     const int error = errno;

@@ -45,7 +45,11 @@ openssl x509 -in signer.pem -outform DER -out signer.der
 openssl ocsp -issuer ca.pem -cert signer.pem -reqout question.der 2>/dev/null
 openssl ocsp -index db/index.txt -CA ca.pem -rsigner responder.pem -rkey responder.key -reqin question.der \
     -respout answer.der -ndays 10 >/dev/null 2>&1
-[ -s answer.der ] && [ -s crl.der ] && [ -s signer.der ] || { echo 'openssl made no test PKI'; exit 1; }
+for made in signer.der crl.der answer.der; do
+    [ -s $made ] && continue
+    echo "openssl did not make $made"
+    exit 1
+done
 
 # What the store holds, by qpdf: "store.txt" with the key and the sizes of the arrays of each entry, all streams as files.
 cat >read.py <<'PYTHON'
