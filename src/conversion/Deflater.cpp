@@ -29,7 +29,7 @@ uInt chunk(std::size_t size) {
 
 }  // namespace
 
-Deflater::Deflater() : level_(kTextLevel), strategy_(Z_DEFAULT_STRATEGY) {
+Deflater::Deflater() {
     open(stream_, kTextLevel, Z_DEFAULT_STRATEGY);
     try {
         open(trial_, kImageLevel, Z_DEFAULT_STRATEGY);
