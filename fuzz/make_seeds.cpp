@@ -1,6 +1,6 @@
 // Writes the first inputs of the fuzz targets: make_seeds DIRECTORY. Documents go to DIRECTORY/open, the same and
-// documents with forms to DIRECTORY/sign, texts to DIRECTORY/syntax, keys with texts to DIRECTORY/entry. Small files of
-// the corpus join the documents.
+// documents with forms to DIRECTORY/sign, texts to DIRECTORY/syntax, keys with texts to DIRECTORY/entry, old security
+// stores to DIRECTORY/store, files to convert to DIRECTORY/convert. Small files of the corpus join the documents.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -153,6 +153,31 @@ const std::vector<std::vector<std::string>> kStores = {
     {"<</VRI 20 0 R/V#52I[1]/Certs(x)/CRLs 5/OCSPs 1 0 R/Y>>"},
     {"[]"}};
 
+// The first byte chooses the kind of file: JPEG, TIFF, text.
+std::map<std::string, std::string> convertible() {
+    using namespace std::string_literals;
+    const std::string frame = "\xFF\xC0\x00\x0B\x08\x00\x02\x00\x03\x01\x01\x11\x00"s;
+    // 8 x 2 samples of one bit in one strip: ten tags of the first directory.
+    const auto tag = [](int name, char kind, int value) {
+        return std::string{static_cast<char>(name),  static_cast<char>(name >> 8),  kind, 0, 1, 0, 0, 0,
+                           static_cast<char>(value), static_cast<char>(value >> 8), 0,    0};
+    };
+    const auto tiff = [&](int compression, int photometric, const std::string& data) {
+        const int end = 8 + 2 + 9 * 12 + 4;
+        return "II*\0\x08\0\0\0\x09\0"s + tag(256, 3, 8) + tag(257, 3, 2) + tag(258, 3, 1) + tag(259, 3, compression) +
+               tag(262, 3, photometric) + tag(273, 4, end) + tag(277, 3, 1) + tag(278, 3, 2) +
+               tag(279, 4, static_cast<int>(data.size())) + "\0\0\0\0"s + data;
+    };
+    return {
+        {"jpeg", "\0\xFF\xD8\xFF\xE0\x00\x04zz"s + frame + "\xFF\xDA\x00\x02z\xFF\xD9"s},
+        {"tiff", '\1' + tiff(1, 1, "\xA5\x5A")},
+        {"tiff-packed", '\1' + tiff(32773, 0, "\x01\xA5\x5A")},
+        {"tiff-fax", '\1' + tiff(4, 0, "\x26\xA0\x04\x00\x40\x00"s)},
+        {"text", "\2It's (one)\r\n\ttwo\f\x84\x81\\"s},
+        {"text-utf8", "\2\xEF\xBB\xBFgr\xC3\xBC\xC3\x9F\xE2\x82\xAC\n"s},
+    };
+}
+
 void write(const fs::path& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
@@ -179,7 +204,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     const fs::path root(argv[1]);
-    for (const char* const name : {"open", "sign", "syntax", "entry", "store"}) fs::create_directories(root / name);
+    for (const char* const name : {"open", "sign", "syntax", "entry", "store", "convert"}) {
+        fs::create_directories(root / name);
+    }
     const auto made = documents();
     const auto forms = formDocuments();
     for (const auto& [name, bytes] : made) write(root / "open" / (name + ".pdf"), bytes);
@@ -189,6 +216,7 @@ int main(int argc, char** argv) {
     for (std::size_t i = 0; i < kEntries.size(); ++i) {
         write(root / "entry" / std::to_string(i), kEntries[i].first + '\0' + kEntries[i].second);
     }
+    for (const auto& [name, bytes] : convertible()) write(root / "convert" / name, bytes);
     for (std::size_t i = 0; i < kStores.size(); ++i) {
         std::string bodies;
         for (const std::string& body : kStores[i]) bodies += body + '\0';

@@ -13,8 +13,8 @@ constexpr int kTextLevel = Z_DEFAULT_COMPRESSION;
 // Of the levels this one has by far the best ratio of time to size for samples: the higher ones look longer for matches
 // that scans do not have.
 constexpr int kImageLevel = 3;
-constexpr std::size_t kChoiceBytes = std::size_t{1} << 20U;
-constexpr std::size_t kTrialBytes = std::size_t{48} << 10U;
+constexpr std::size_t kChoiceBytes = std::size_t{2} << 20U;
+constexpr std::size_t kTrialBytes = std::size_t{32} << 10U;
 constexpr std::size_t kFirstRoom = std::size_t{64} << 10U;
 
 void open(z_stream& stream, int level, int strategy) {
@@ -29,7 +29,7 @@ uInt chunk(std::size_t size) {
 
 }  // namespace
 
-Deflater::Deflater() : level_(kTextLevel), strategy_(Z_DEFAULT_STRATEGY) {
+Deflater::Deflater() {
     open(stream_, kTextLevel, Z_DEFAULT_STRATEGY);
     try {
         open(trial_, kImageLevel, Z_DEFAULT_STRATEGY);
@@ -104,7 +104,7 @@ void Deflater::addSamples(std::string_view samples) {
     }
 }
 
-// Tried on a part of the samples: whether matches make the result smaller by more than a sixth.
+// Tried on a part of the samples: whether matches make the result smaller by more than a quarter.
 bool Deflater::repeats(std::string_view samples) {
     samples = samples.substr(0, kTrialBytes);
     trialOut_.resize(compressBound(samples.size()) + 64);
@@ -118,7 +118,7 @@ bool Deflater::repeats(std::string_view samples) {
         deflate(&trial_, Z_FINISH);
         return trial_.total_out;
     };
-    return tried(Z_DEFAULT_STRATEGY) * 6 < tried(Z_RLE) * 5;
+    return tried(Z_DEFAULT_STRATEGY) * 4 < tried(Z_RLE) * 3;
 }
 
 std::string_view Deflater::finish() {

@@ -39,8 +39,8 @@ private:
     std::string trialOut_;
     std::size_t size_ = 0;
     std::size_t untilChoice_ = 0;
-    int level_ = 0;
-    int strategy_ = 0;
+    int level_ = Z_DEFAULT_COMPRESSION;
+    int strategy_ = Z_DEFAULT_STRATEGY;
 };
 
 }  // namespace varnpdf

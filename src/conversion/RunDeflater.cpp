@@ -106,6 +106,13 @@ std::array<std::uint16_t, Count> codesOf(const std::array<std::uint8_t, Count>& 
     return codes;
 }
 
+// Codes stand with their highest bit first.
+unsigned reversed(unsigned code, unsigned count) {
+    unsigned out = 0;
+    for (unsigned i = 0; i < count; ++i) out |= (code >> i & 1U) << (count - 1 - i);
+    return out;
+}
+
 }  // namespace
 
 void RunDeflater::start() {
@@ -166,17 +173,39 @@ void RunDeflater::endBlock(bool last) {
     tokens_.push_back(kEnd);
     if (tokens_.size() == 1) uses_[0] = 1;  // a code of one symbol is not allowed here
     const Lengths lengths = codeLengths(uses_);
-    const auto codes = codesOf(lengths);
     putBits(last ? 5 : 4, 3);
     putLengths(lengths);
-    for (const std::uint16_t token : tokens_) {
-        const unsigned symbol = token & 31U;
-        putCode(codes[symbol], lengths[symbol]);
-        // Distance one is the only distance and has the code 0 of one bit.
-        if (symbol >= kFirstLength) putBits(token >> 5U, kLengths[symbol - kFirstLength].extraBits + 1U);
-    }
+    putTokens(lengths);
     tokens_.clear();
     uses_ = {};
+}
+
+// Most of the time is spent here: a token is one entry of a table and one shift, and the room is made beforehand.
+void RunDeflater::putTokens(const Lengths& lengths) {
+    struct Entry {
+        std::uint32_t bits;
+        std::uint8_t length;
+        std::uint8_t behind;  // extra bits, and for the distance one bit, which is 0: distance one is the only distance
+    };
+    std::array<Entry, kSymbols> table{};
+    const auto codes = codesOf(lengths);
+    for (std::size_t i = 0; i < kSymbols; ++i) {
+        const bool isLength = i >= kFirstLength;
+        const auto behind = static_cast<std::uint8_t>(isLength ? kLengths[i - kFirstLength].extraBits + 1U : 0U);
+        table[i] = {reversed(codes[i], lengths[i]), lengths[i], behind};
+    }
+    const std::size_t begin = out_.size();
+    out_.resize(begin + tokens_.size() * 3 + sizeof(std::uint64_t));
+    char* to = out_.data() + begin;
+    for (const std::uint16_t token : tokens_) {
+        const Entry& entry = table[token & 31U];
+        bits_ |= (entry.bits | std::uint64_t{token} >> 5U << entry.length) << bitCount_;
+        bitCount_ += entry.length + entry.behind;
+        if (bitCount_ < 32) continue;
+        for (int i = 0; i < 4; ++i, bits_ >>= 8U) *to++ = static_cast<char>(bits_ & 255U);
+        bitCount_ -= 32;
+    }
+    out_.resize(static_cast<std::size_t>(to - out_.data()));
 }
 
 void RunDeflater::putLengths(const Lengths& lengths) {
@@ -184,7 +213,7 @@ void RunDeflater::putLengths(const Lengths& lengths) {
     constexpr std::array<std::uint8_t, 19> kMeta = {4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 4, 5, 5, 5, 5, 5, 5, 4};
     constexpr std::uint8_t kOrder[] = {16, 17, 18, 0, 8, 7, 9, 6, 10, 5, 11, 4, 12, 3, 13, 2, 14, 1, 15};
     static const auto metaCodes = codesOf(kMeta);
-    const auto put = [&](unsigned length) { putCode(metaCodes[length], kMeta[length]); };
+    const auto put = [&](unsigned length) { putBits(reversed(metaCodes[length], kMeta[length]), kMeta[length]); };
     const auto putZeros = [&](unsigned count) {
         put(18);
         putBits(count - 11, 7);
@@ -208,13 +237,6 @@ void RunDeflater::putBits(std::uint64_t bits, unsigned count) {
         bits_ >>= 8U;
         bitCount_ -= 8;
     }
-}
-
-// Codes stand with their highest bit first.
-void RunDeflater::putCode(unsigned code, unsigned count) {
-    unsigned reversed = 0;
-    for (unsigned i = 0; i < count; ++i) reversed |= (code >> i & 1U) << (count - 1 - i);
-    putBits(reversed, count);
 }
 
 std::string_view RunDeflater::finish() {

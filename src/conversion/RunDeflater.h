@@ -33,8 +33,8 @@ private:
     void addToken(unsigned symbol, unsigned extra = 0);
     void endBlock(bool last);
     void putLengths(const Lengths& lengths);
+    void putTokens(const Lengths& lengths);
     void putBits(std::uint64_t bits, unsigned count);
-    void putCode(unsigned code, unsigned count);
 
     std::string out_;
     std::uint64_t bits_ = 0;  ///< not yet written, the first in the lowest bit

@@ -25,7 +25,7 @@ constexpr std::array<Class, 256> kClasses = [] {
     std::array<Class, 256> classes{};
     for (std::size_t byte = 0; byte < ' '; ++byte) classes[byte] = kControl;
     classes[127] = kControl;
-    for (const unsigned char byte : {'\'', '(', ')', '\\'}) classes[byte] = kEscaped;
+    for (const char c : {'\'', '(', ')', '\\'}) classes[static_cast<unsigned char>(c)] = kEscaped;
     for (const Replaced& letter : kReplaced) classes[letter.dos] = kDosLetter;
     return classes;
 }();

@@ -77,7 +77,7 @@ bool RowConverter::takesTable(TIFF* tif, std::uint16_t photometric) {
 // Colours have 16 bits, but some writers put 8 there.
 bool RowConverter::readPalette(TIFF* tif) {
     std::array<std::uint16_t*, 3> maps{};
-    if (TIFFGetField(tif, TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]) != 1) return false;
+    if (TIFFGetField(tif, TIFFTAG_COLORMAP, maps.data(), &maps[1], &maps[2]) != 1) return false;
     const std::size_t count = std::size_t{1} << bits_;
     const bool wide = std::ranges::any_of(maps, [&](const std::uint16_t* map) {
         return std::any_of(map, map + count, [](std::uint16_t value) { return value > 255; });

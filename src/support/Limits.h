@@ -34,7 +34,7 @@ inline constexpr std::size_t kImagePixels = std::size_t{1} << 28U;
 /// Largest piece of a TIFF page that is held decoded at a time, and largest block that libtiff may allocate.
 inline constexpr std::size_t kImagePieceBytes = std::size_t{256} << 20U;
 /// RGB samples of all pages of a TIFF together. Empty fax pages are packed by factors of 5,000.
-inline constexpr std::size_t kImageBytesBase = std::size_t{2} << 30U;
+inline constexpr std::size_t kImageBytesBase = std::size_t{1} << 30U;
 inline constexpr std::size_t kImageBytesPerByte = 10'000;
 /// Levels of the field tree, and the length of a field's full name in bytes: far beyond what any form has.
 inline constexpr int kFieldDepth = 64;
