@@ -218,8 +218,8 @@ TEST(Entries, AreEnumerated) {
     };
     // clang-format off
     const Row rows[] = {
-        {"5 0 obj\n<</A 1/B (x/C)/D<</E 1>>/F[/G]/H 6 0 R >>\nendobj", "/A=1@11 /B=(x/C)@15 /D=<</E 1>>@22 /F=[/G]@32 /H=6 0 R@39 "},
-        {"<</A/B/C>>", "/A=/B@4 /C=@9 "},      // the name "/C" would be the value of a key
+        {"5 0 obj\n<</A 1/B (x/C)/D<</E 1>>/F[/G]/H 6 0 R >>\nendobj", "/A=1@13 /B=(x/C)@17 /D=<</E 1>>@24 /F=[/G]@34 /H=6 0 R@41 "},
+        {"<</A/B/C>>", "/A=/B@4 /C=@8 "},      // the name "/C" would be the value of a key
         {"<<>>", ""},
         {"<</A (open", ""},
         {"", ""},
