@@ -124,10 +124,7 @@ private:
     friend class CPdfFieldContainer;
     using Text = std::optional<std::string>;
     static const char* textOf(const Text& text) { return text ? text->c_str() : nullptr; }
-    static void store(Text& target, const char* text) {
-        target.reset();
-        if (text != nullptr) target = text;
-    }
+    static void store(Text& target, const char* text);
     void updateValues(CFontObj* defaultFont, std::size_t& budget);
 
     CPdfObj appearances_[kAppearances];

@@ -58,6 +58,11 @@ void CPdfField::CopyFrom(CPdfField* other) {
     isNew_ = other->isNew_;
 }
 
+void CPdfField::store(Text& target, const char* text) {
+    target.reset();
+    if (text != nullptr) target.emplace(text);
+}
+
 void CPdfField::SetOrgObj(CPdfObj* obj) {
     if (obj != nullptr) orgObj_ = *obj;
 }
