@@ -85,16 +85,16 @@ public:
     /// The texts below are owned by the field and hold until the next change; null when never set. Setting keeps a copy.
     /// Name: /T without its parentheses.
     [[nodiscard]] const char* GetTag() const { return textOf(tag_); }
-    void SetTag(const char* text) { store(tag_, text); }
+    void SetTag(const char* text);
     /// /V as read, without parentheses. A UTF-16 value holds NULs; `orgValue` has all of it.
     [[nodiscard]] const char* GetOrgValue() const { return textOf(orgValue_); }
-    void SetOrgValue(const char* text) { store(orgValue_, text); }
+    void SetOrgValue(const char* text);
     /// The value to be written, UTF-8; text that is not UTF-8 is taken to be Latin-1.
     [[nodiscard]] const char* GetNewValue() const { return textOf(newValue_); }
-    void SetNewValue(const char* text) { store(newValue_, text); }
+    void SetNewValue(const char* text);
     /// The text of /AP.
     [[nodiscard]] const char* GetAppearanceLink() const { return textOf(appearanceLink_); }
-    void SetAppearanceLink(const char* text) { store(appearanceLink_, text); }
+    void SetAppearanceLink(const char* text);
 
     /// The font that /DA names, in the font container that was read with the field; null when unknown.
     [[nodiscard]] CFontObj* GetFont() const { return font_; }
@@ -124,10 +124,6 @@ private:
     friend class CPdfFieldContainer;
     using Text = std::optional<std::string>;
     static const char* textOf(const Text& text) { return text ? text->c_str() : nullptr; }
-    static void store(Text& target, const char* text) {
-        target.reset();
-        if (text != nullptr) target = text;
-    }
     void updateValues(CFontObj* defaultFont, std::size_t& budget);
 
     CPdfObj appearances_[kAppearances];

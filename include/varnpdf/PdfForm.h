@@ -18,6 +18,7 @@ struct FormState;
 /// index out of range a text is null and a number -1. A returned text holds until the next call.
 class VARNPDF_EXPORT CPdfForm {
 public:
+    /// A form without fields when the document has none, `pdf` is null, or there is no memory.
     explicit CPdfForm(CPdf* pdf);
     CPdfForm(const CPdfForm&) = delete;
     CPdfForm& operator=(const CPdfForm&) = delete;

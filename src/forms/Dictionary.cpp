@@ -24,7 +24,7 @@ void takeEscape(std::string_view text, std::size_t& at, std::string& out) {
     constexpr std::string_view kMeanings = "\n\r\t\b\f";
     const char c = text[at++];
     if (c >= '0' && c <= '7') {
-        unsigned value = static_cast<unsigned>(c - '0');
+        auto value = static_cast<unsigned>(c - '0');
         for (int i = 0; i < 2 && at < text.size() && text[at] >= '0' && text[at] <= '7'; ++i) {
             value = value * 8 + static_cast<unsigned>(text[at++] - '0');
         }
@@ -171,13 +171,12 @@ Dictionary::Dictionary(std::string_view text) {
 }
 
 std::string_view Dictionary::find(std::string_view key) const {
-    for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry) {
-        const bool plain = entry->key.find('#') == kNone;
-        if (plain ? entry->key.substr(1) == key : nameOf(entry->key) == key) {
-            return entry->value == "null" ? std::string_view{} : entry->value;
-        }
+    std::string_view found;
+    for (const Entry& entry : entries_) {
+        const bool plain = entry.key.find('#') == kNone;
+        if (plain ? entry.key.substr(1) == key : nameOf(entry.key) == key) found = entry.value;
     }
-    return {};
+    return found == "null" ? std::string_view{} : found;
 }
 
 std::string withEntry(std::string_view text, std::string_view key, std::string_view value) {

@@ -154,9 +154,9 @@ void FormTree::visit(Node node, std::vector<Node>& stack) {
         }
     }
     if (field != kNoField && below.empty()) fields_[field].widgets.push_back(node.object);
-    for (auto kid = below.rbegin(); kid != below.rend(); ++kid) {
-        stack.push_back({*kid, node.prefix, node.attributes, field, node.depth + 1});
-    }
+    const auto first = static_cast<std::ptrdiff_t>(stack.size());
+    for (CPdfObj* const kid : below) stack.push_back({kid, node.prefix, node.attributes, field, node.depth + 1});
+    std::reverse(stack.begin() + first, stack.end());
 }
 
 int FormTree::pageOf(const CPdfObj& widget) const {

@@ -22,6 +22,11 @@ struct FileCloser {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
 
+void store(std::optional<std::string>& target, const char* text) {
+    target.reset();
+    if (text != nullptr) target.emplace(text);
+}
+
 // The next piece of the text between "=", empty ones passed over.
 std::optional<std::string_view> takePiece(std::string_view& text) {
     const std::size_t begin = text.find_first_not_of('=');
@@ -57,6 +62,14 @@ void CPdfField::CopyFrom(CPdfField* other) {
     appearanceCount_ = other->appearanceCount_;
     isNew_ = other->isNew_;
 }
+
+void CPdfField::SetTag(const char* text) { store(tag_, text); }
+
+void CPdfField::SetOrgValue(const char* text) { store(orgValue_, text); }
+
+void CPdfField::SetNewValue(const char* text) { store(newValue_, text); }
+
+void CPdfField::SetAppearanceLink(const char* text) { store(appearanceLink_, text); }
 
 void CPdfField::SetOrgObj(CPdfObj* obj) {
     if (obj != nullptr) orgObj_ = *obj;

@@ -67,7 +67,12 @@ int FormState::check(const FormField& field, std::size_t length) {
 
 CPdfForm::CPdfForm(CPdf* pdf) {
     if (pdf == nullptr || pdf->GetLastTrailer() == nullptr) return;
-    state_ = std::make_unique<FormState>(*pdf);
+    try {
+        state_ = std::make_unique<FormState>(*pdf);
+    } catch (const std::bad_alloc&) {
+        logError(m_logger, "CPdfForm: kein Speicher");
+        return;
+    }
     const int omitted = state_->tree.omitted();
     if (omitted > 0) logError(m_logger, "Felder mit zu langen Namen ausgelassen: ", omitted);
 }

@@ -162,8 +162,8 @@ DefaultAppearance parseDefaultAppearance(std::string_view text) {
     Tokens tokens(text);
     while (const auto token = tokens.next()) {
         operands.push_back(*token);
-        const bool isOperator = isClass(token->front(), kIsNumberByte | kIsDelimiter) == false;
-        if (!isOperator) continue;
+        const bool isOperand = isClass(token->front(), kIsNumberByte | kIsDelimiter);
+        if (isOperand) continue;
         if (*token == "Tf") {
             if (operands.size() >= 3 && operands[operands.size() - 3].starts_with('/')) {
                 out.font = operands[operands.size() - 3].substr(1);

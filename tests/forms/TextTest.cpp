@@ -93,7 +93,7 @@ TEST(Layout, TextStandsWhereTheFieldSaysIt) {
     }
     // A size of its own shrinks until all lines fit.
     const TextStyle style{{"F", 0, ""}, 0, true, 0, 1};
-    EXPECT_NE(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), "many words in a small box").find("/F 8 Tf"),
+    EXPECT_NE(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), "many words in a small box").find("/F 7 Tf"),
               std::string::npos);
     EXPECT_EQ(fieldText({0, 0, 40, 40}, style, FieldFont::helvetica(), ""), "");
 }
