@@ -51,11 +51,13 @@ mode_t modeFor(const struct stat* existing) {
     return 0666 & ~mask;
 }
 
-bool replaceFile(const std::string& path, Pieces pieces, mode_t mode) {
+bool replaceFile(const std::string& path, Pieces pieces, const struct stat* existing) {
     std::string temporary = path + ".XXXXXX";
     const int file = ::mkstemp(temporary.data());
     if (file < 0) return false;
-    bool good = writeAll(file, pieces) && ::fchmod(file, mode) == 0 && ::fsync(file) == 0;
+    // The new bytes must be on the disk before they take the place of others.
+    bool good =
+        writeAll(file, pieces) && ::fchmod(file, modeFor(existing)) == 0 && (existing == nullptr || ::fsync(file) == 0);
     good = closeAfter(good, file);
     if (good && std::rename(temporary.c_str(), path.c_str()) == 0) return true;
     const int error = errno;
@@ -101,7 +103,7 @@ bool cli::writeFile(const std::string& path, Pieces pieces) {
     } else if (exists && !S_ISREG(status.st_mode)) {
         good = writeDirectly(path, pieces);
     } else {
-        good = replaceFile(linkTarget(path), pieces, modeFor(exists ? &status : nullptr));
+        good = replaceFile(linkTarget(path), pieces, exists ? &status : nullptr);
     }
     if (!good) complain(path, reason(errno));
     return good;
