@@ -79,7 +79,7 @@ int SecurityStore::openTrailer() {
     const auto room = static_cast<std::size_t>(std::numeric_limits<int>::max() - std::max(trailer->GetSize(), highest));
     // Three numbers for each record, and those of the entries, the store and the cross-reference stream.
     if (room / 4 <= records_.size() + 1) return VARNPDF_TRAILER_INCOMPLETE;
-    next_ = trailer->GetSize() >= highest ? trailer->GetSize() : highest + 1;
+    next_ = std::max(trailer->GetSize(), highest + 1);
     return VARNPDF_OK;
 }
 
