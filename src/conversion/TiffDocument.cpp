@@ -88,20 +88,26 @@ std::optional<std::vector<std::uint64_t>> directories(TIFF* tif) {
     return offsets;
 }
 
+// Bytes that must be gone through: samples, or the bits of a page that is written from its runs.
+std::uint64_t workOn(TIFF* tif, const TiffShape& shape) {
+    std::uint16_t bits = 1;
+    std::uint16_t samples = 1;
+    TIFFGetFieldDefaulted(tif, TIFFTAG_BITSPERSAMPLE, &bits);
+    TIFFGetFieldDefaulted(tif, TIFFTAG_SAMPLESPERPIXEL, &samples);
+    const bool bilevel = bits == 1 && samples == 1 && TIFFIsTiled(tif) == 0;
+    return bilevel ? (shape.rgbBytes() + 23) / 24 : shape.rgbBytes();
+}
+
 class TiffWriter {
 public:
-    TiffWriter(ObjectFile& out, TIFF* tif) : out_(&out), tif_(tif) {
-        const auto fileBytes = static_cast<std::uint64_t>(TIFFGetSizeProc(tif)(TIFFClientdata(tif)));
-        left_ = limits::kImageBytesBase + limits::kImageBytesPerByte * fileBytes;
-    }
+    TiffWriter(ObjectFile& out, TIFF* tif) : out_(&out), tif_(tif) {}
 
     int write() {
         const auto offsets = directories(tif_);
-        if (!offsets) return VARNPDF_TIFF_UNREADABLE;
+        if (!offsets || !isBounded(*offsets)) return VARNPDF_TIFF_UNREADABLE;
         putHead(offsets->size());
         for (std::size_t i = 0; i < offsets->size(); ++i) {
-            // The first directory has been read already.
-            if (i > 0 && TIFFSetSubDirectory(tif_, (*offsets)[i]) != 1) return VARNPDF_TIFF_UNREADABLE;
+            if (TIFFSetSubDirectory(tif_, (*offsets)[i]) != 1) return VARNPDF_TIFF_UNREADABLE;
             if (const int code = putPage(static_cast<int>(i)); code != 0) return code;
         }
         putFoot();
@@ -109,6 +115,22 @@ public:
     }
 
 private:
+    // Before any work is done on the first page.
+    bool isBounded(const std::vector<std::uint64_t>& offsets) {
+        const auto fileBytes = static_cast<std::uint64_t>(TIFFGetSizeProc(tif_)(TIFFClientdata(tif_)));
+        std::uint64_t left = limits::kImageBytesBase + limits::kImageBytesPerByte * fileBytes;
+        for (const std::uint64_t offset : offsets) {
+            if (TIFFSetSubDirectory(tif_, offset) != 1) return false;
+            const std::uint64_t work = workOn(tif_, shapeOf(tif_));
+            if (work == 0 || work > left) {
+                logConversionError(TIFFFileName(tif_), "a page has no size, or the pages are too large");
+                return false;
+            }
+            left -= work;
+        }
+        return true;
+    }
+
     void putHead(std::size_t pages) {
         out_->put("%PDF-1.2\r\n%\xE2\xE3\xCF\xD3\r\n");
         out_->startObject(1);
@@ -124,11 +146,6 @@ private:
 
     int putPage(int index) {
         const TiffShape shape = shapeOf(tif_);
-        if (shape.rgbBytes() == 0 || shape.rgbBytes() > left_) {
-            logConversionError(TIFFFileName(tif_), "a page has no size or is too large");
-            return VARNPDF_TIFF_UNREADABLE;
-        }
-        left_ -= shape.rgbBytes();
         deflater_.startImage();
         runs_.start();
         bool fits = true;
@@ -185,7 +202,6 @@ private:
     Deflater deflater_;
     RunDeflater runs_;
     bool bilevel_ = false;  ///< the page's samples are in `runs_`
-    std::uint64_t left_ = 0;
 };
 
 }  // namespace

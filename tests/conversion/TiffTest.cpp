@@ -425,7 +425,10 @@ TEST(Tiff, DamageIsRefusedAndLoopsEnd) {
     EXPECT_EQ(work.files(), 2) << "nothing is left of a refused file";
 }
 
+constexpr const char* kTooLarge = ": a page has no size, or the pages are too large";
+
 TEST(Tiff, SizesAreBounded) {
+    char strip[] = "z";
     struct Size {
         std::uint32_t width;
         std::uint32_t height;
@@ -437,9 +440,33 @@ TEST(Tiff, SizesAreBounded) {
         TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, size.width);
         TIFFSetField(tif, TIFFTAG_IMAGELENGTH, size.height);
         TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, size.height);
+        TIFFWriteRawStrip(tif, 0, strip, 1);
         TIFFWriteDirectory(tif);
         TIFFClose(tif);
+        const LogCapture log("VarnPDF.VarnImage");
         EXPECT_EQ(convert(work.at("in.tif"), work.at("out.pdf")), -601) << size.width << " x " << size.height;
+        EXPECT_TRUE(log.has(work.at("in.tif") + kTooLarge)) << size.width << " x " << size.height;
+    }
+}
+
+// Thousands of directories may share one small strip.
+TEST(Tiff, PagesTogetherAreBounded) {
+    const WorkDirectory work;
+    char strip[] = "z";
+    for (const int pages : {2, 6}) {
+        TIFF* const tif = TIFFOpen(work.at("in.tif").c_str(), "w");
+        for (int i = 0; i < pages; ++i) {
+            setTags(tif, kindNamed("RgbDeflate"), 3);
+            TIFFSetField(tif, TIFFTAG_IMAGEWIDTH, 8000);
+            TIFFSetField(tif, TIFFTAG_IMAGELENGTH, 8000);
+            TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, 8000);
+            TIFFWriteRawStrip(tif, 0, strip, 1);
+            TIFFWriteDirectory(tif);
+        }
+        TIFFClose(tif);
+        const LogCapture log("VarnPDF.VarnImage");
+        EXPECT_EQ(convert(work.at("in.tif"), work.at("out.pdf")), -601);  // the data is none in either case
+        EXPECT_EQ(log.has(work.at("in.tif") + kTooLarge), pages == 6);
     }
 }
 
