@@ -134,7 +134,14 @@ void FormUpdate::setValue(const FormField& field, std::u32string_view value) {
     text = withEntry(text, "V", textStringObject(value));
     text = withEntry(text, "RV", "");  // the same value as rich text, which would win in viewers that know it
     const std::u32string shown = withLineFeeds(value);
-    for (CPdfObj* const widget : field.widgets) showValue(field, *widget, shown);
+    for (CPdfObj* const widget : field.widgets) {
+        // Some producers repeat the value in the widgets; an old one there would be shown.
+        if (widget != field.object && !Dictionary(widget->content()).find("V").empty()) {
+            std::string& own = changed(*widget);
+            own = withEntry(own, "V", "");
+        }
+        showValue(field, *widget, shown);
+    }
 }
 
 FormUpdate::Shown FormUpdate::styleOf(const FormField& field, const Dictionary& widget) {
