@@ -7,7 +7,7 @@
 #include "forms/TextString.h"
 #include "support/Limits.h"
 #include "support/Log.h"
-#include "support/OutputFile.h"
+#include "support/StagedFile.h"
 #include "varnpdf/PdfFields.h"
 
 using namespace varnpdf;
@@ -172,7 +172,7 @@ void CPdfFieldContainer::DumpFieldsToStdOut() {
 
 void CPdfFieldContainer::DumpFieldsToFile(const char* path) {
     if (path == nullptr) return;
-    OutputFile file(path);
+    StagedFile file(path);
     if (file.isOpen()) file.write(dump());
-    if (!file.isOpen() || !file.close()) logError(m_logger, "DumpFieldsToFile: ", path);
+    if (!file.isOpen() || !file.commit()) logError(m_logger, "DumpFieldsToFile: ", path);
 }

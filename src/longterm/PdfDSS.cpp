@@ -3,7 +3,6 @@
 
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <exception>
 #include <memory>
@@ -11,7 +10,7 @@
 
 #include "longterm/SecurityStore.h"
 #include "support/Log.h"
-#include "support/ReplaceFile.h"
+#include "support/StagedFile.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/result.h"
 
@@ -65,7 +64,11 @@ int c_pdf_dss::append_dss(char* input, char* output, pdf_dss_struct* records, in
     if (code != VARNPDF_OK) return failed(code);
     logDebug(m_logger, "Neues PDF erzeugen: ", static_cast<const char*>(output));
     const std::string_view old(reinterpret_cast<const char*>(pdf.GetContent()), pdf.GetContentLen());
-    if (!replaceFile(output, std::array{old, store.tail()})) return failed(VARNPDF_DSS_OUTPUT_FAILED);
+    StagedFile file(output);
+    if (!file.isOpen()) return failed(VARNPDF_DSS_OUTPUT_FAILED);
+    file.write(old);
+    file.write(store.tail());
+    if (!file.commit()) return failed(VARNPDF_DSS_OUTPUT_FAILED);
     logDebug(m_logger, "Beende append_dss");
     return VARNPDF_OK;
 } catch (const std::exception& error) {

@@ -10,7 +10,7 @@
 #include "signing/Preparation.h"
 #include "support/Guarded.h"
 #include "support/Log.h"
-#include "support/OutputFile.h"
+#include "support/StagedFile.h"
 #include "varnpdf/result.h"
 
 using namespace varnpdf;
@@ -150,13 +150,13 @@ int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int
         std::uint32_t length = 0;
         buildSignContent(&value, &length, sig, sigLen, contentsSize);
         const std::unique_ptr<char[]> content(value);
-        OutputFile file(pcSignedFile);
+        StagedFile file(pcSignedFile);
         if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
         logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
         file.write(viewOf(prepared_.get(), contentsOffset_));
         file.write({content.get(), length});
         file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));
-        const int code = file.close() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
+        const int code = file.commit() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
         logDebug(m_logger, "leaving CPdfSign::SaveSignature: ", code);
         return code;
     };

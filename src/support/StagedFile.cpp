@@ -81,6 +81,11 @@ StagedFile::~StagedFile() {
     if (!temporary_.empty()) ::unlink(temporary_.c_str());
 }
 
+void StagedFile::write(std::string_view bytes) noexcept {
+    // The stream remembers an error.
+    if (!bytes.empty()) static_cast<void>(std::fwrite(bytes.data(), 1, bytes.size(), file_));
+}
+
 bool StagedFile::commit() noexcept {
     bool good = std::fflush(file_) == 0 && std::ferror(file_) == 0;
     if (good && replaces_) good = ::fsync(::fileno(file_)) == 0;

@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 namespace varnpdf {
 
@@ -21,6 +22,8 @@ public:
     [[nodiscard]] bool isOpen() const noexcept { return file_ != nullptr; }
     /// Unbuffered, at its start; owned by this object.
     [[nodiscard]] std::FILE* file() const noexcept { return file_; }
+    /// A failure shows in `commit`.
+    void write(std::string_view bytes) noexcept;
     /// Closes the file and gives it its name. A file that replaces another is synced first, so that a crash of the
     /// machine cannot take both.
     bool commit() noexcept;

@@ -10,7 +10,7 @@
 #include "model/ObjectTable.h"
 #include "reader/KeywordSearch.h"
 #include "support/Log.h"
-#include "support/OutputFile.h"
+#include "support/StagedFile.h"
 #include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 #include "writer/RefArray.h"
@@ -120,10 +120,10 @@ int CPdf::WriteAndClose() {
     if (contentCapacity_ > 0) bytes.remove_suffix(1);
     bool written = false;
     if (!bytes.empty()) {
-        OutputFile file(fileName_.c_str());
+        StagedFile file(fileName_.c_str());
         if (file.isOpen()) {
             file.write(bytes);
-            written = file.close();
+            written = file.commit();
         }
     }
     if (!written) logError(m_logger, "ERROR_CAN_NOT_WRITE_PDF_FILE: ", fileName_);
