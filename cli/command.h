@@ -31,6 +31,9 @@ Command addSign(CLI::App& program);
 Command addPrepare(CLI::App& program);
 Command addEmbed(CLI::App& program);
 Command addVerify(CLI::App& program);
+Command addAttach(CLI::App& program);
+Command addAttachments(CLI::App& program);
+Command addPortfolio(CLI::App& program);
 
 /// "varnpdf: WHAT: SENTENCE" on standard error. `what` may be any bytes.
 void complain(const std::string& what, const std::string& sentence);

@@ -14,8 +14,8 @@ namespace {
 constexpr const char* kVersion = "varnpdf 2.10.0";
 
 using Adder = cli::Command (*)(CLI::App&);
-constexpr Adder kCommands[] = {cli::addInfo,    cli::addExtract, cli::addShow,  cli::addSign,
-                               cli::addPrepare, cli::addEmbed,   cli::addVerify};
+constexpr Adder kCommands[] = {cli::addInfo,  cli::addExtract, cli::addShow,   cli::addSign,        cli::addPrepare,
+                               cli::addEmbed, cli::addVerify,  cli::addAttach, cli::addAttachments, cli::addPortfolio};
 
 constexpr const char* kFooter = R"(Exit codes:
   0  all good

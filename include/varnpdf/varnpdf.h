@@ -3,6 +3,8 @@
 
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Pdf.h"
+#include "varnpdf/PdfAttach.h"
+#include "varnpdf/PdfCollection.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfLockInfo.h"
