@@ -5,6 +5,8 @@
 #include "varnpdf/Convert.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfDSS.h"
+#include "varnpdf/PdfAttach.h"
+#include "varnpdf/PdfCollection.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/PdfForm.h"
