@@ -110,10 +110,12 @@ struct FormUpdate::Shown {
 };
 
 FormUpdate::FormUpdate(CPdf& pdf, FormTree& tree)
-    : pdf_(pdf),
-      tree_(tree),
-      fontsOfForm_(tree.follow(Dictionary(tree.follow(tree.form().find("DR"))).find("Font"))),
-      next_(std::max(pdf.GetLastTrailer()->GetSize(), pdf.get_max_obj_num_from_map() + 1)) {}
+    : pdf_(pdf), tree_(tree), next_(std::max(pdf.GetLastTrailer()->GetSize(), pdf.get_max_obj_num_from_map() + 1)) {
+    const Dictionary fonts(tree.follow(Dictionary(tree.follow(tree.form().find("DR"))).find("Font")));
+    for (const Dictionary::Entry& font : fonts.entries()) {
+        fontsOfForm_[nameOf(font.key)] = font.value == "null" ? std::string_view{} : font.value;
+    }
+}
 
 // What widgets and fonts refer to, at the expense of the budget: many may refer to one long object.
 class FormUpdate::Charged : public References {
@@ -237,7 +239,8 @@ void FormUpdate::useFont(Shown& shown, std::string_view entry, std::u32string_vi
 void FormUpdate::chooseFont(Shown& shown, std::string_view resources, std::u32string_view value) {
     std::string& name = shown.style.appearance.font;
     if (!name.empty()) {
-        useFont(shown, fontsOfForm_.find(nameOf(text('/', name))), value);
+        const auto known = fontsOfForm_.find(nameOf(text('/', name)));
+        if (known != fontsOfForm_.end()) useFont(shown, known->second, value);
         if (shown.font == nullptr) useFont(shown, fontEntry(resources, name), value);
         if (shown.font != nullptr) return;
     }

@@ -46,8 +46,8 @@ private:
 
     CPdf& pdf_;
     FormTree& tree_;
-    Dictionary fontsOfForm_;
-    std::map<int, std::string> texts_;  // of changed and new objects, by number
+    std::unordered_map<std::string, std::string_view> fontsOfForm_;  // by name: a form may have as many as fields
+    std::map<int, std::string> texts_;                               // of changed and new objects, by number
     int next_;
     int substitute_ = 0;
     bool needAppearances_ = false;
