@@ -11,6 +11,7 @@ namespace varnpdf {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::size_t kMostNumbers = 256;  // the widths of a simple font; no other array here has more
 constexpr std::string_view kBlank("\0\t\n\f\r ", 6);
 constexpr std::string_view kEnds("\0\t\n\f\r ()<>[]{}/%", 16);
 
@@ -242,7 +243,7 @@ std::vector<double> numbersOf(std::string_view array) {
     if (tokens.next() != "[") return out;
     while (const auto token = tokens.next()) {
         const auto number = numberOf(*token);
-        if (!number) break;
+        if (!number || out.size() == kMostNumbers) break;
         out.push_back(*number);
     }
     return out;

@@ -42,8 +42,13 @@ inline constexpr int kFieldDepth = 64;
 inline constexpr std::size_t kFieldNameBytes = 32'767;
 /// What all full names of a form may take together.
 inline constexpr std::size_t kFieldNamesBytes = std::size_t{64} << 20U;
-/// Signatures whose field locks are honoured.
+/// Length of one partial name as it is written, escapes included.
+inline constexpr std::size_t kFieldNameWritten = 4 * kFieldNameBytes;
+/// Field locks that are honoured, and partial names in all of them; with more of these everything is locked.
 inline constexpr std::size_t kFieldLocks = 1000;
+inline constexpr std::size_t kFieldLockNames = 500'000;
+/// Fonts that are listed of a form.
+inline constexpr int kFormFonts = 100'000;
 /// Longest content of an appearance whose text is replaced, and what all of them may inflate to together.
 inline constexpr std::size_t kAppearanceBytes = std::size_t{4} << 20U;
 inline constexpr std::size_t kAppearancesBytes = std::size_t{256} << 20U;
