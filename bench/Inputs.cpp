@@ -268,6 +268,18 @@ Input Inputs::signatures(int others) {
     return save("signed-" + std::to_string(others), bytes, number - 1);
 }
 
+Input Inputs::textFile(int megabytes) {
+    const std::size_t wanted = static_cast<std::size_t>(megabytes) << 20U;
+    std::mt19937 random(1);
+    std::string bytes;
+    while (bytes.size() < wanted) {
+        const auto value = random();
+        bytes.append(std::to_string(value % 100000)).append(";Rechnung ").append(std::to_string(value >> 20U));
+        bytes.append(value % 3 == 0 ? ";bezahlt;EUR\r\n" : ";offen;EUR\r\n");
+    }
+    return save("attach" + std::to_string(megabytes) + ".txt", bytes, 1);
+}
+
 Input Inputs::smallDocument() {
     constexpr int kObjects = 200;
     constexpr std::size_t kContents = 20'000;

@@ -40,6 +40,8 @@ public:
     Input updates(int count);
     /// 25 signatures between `others` other objects.
     Input signatures(int others);
+    /// Lines of text with numbers, which pack to about a third.
+    Input textFile(int megabytes);
     /// About 50 kB: 200 objects and some page contents.
     Input smallDocument();
     /// About 50 kB: ten pages with packed contents, fonts and links, /Info and a metadata stream.

@@ -35,6 +35,9 @@ Command addConvert(CLI::App& program);
 Command addFields(CLI::App& program);
 Command addFill(CLI::App& program);
 Command addDss(CLI::App& program);
+Command addAttach(CLI::App& program);
+Command addAttachments(CLI::App& program);
+Command addPortfolio(CLI::App& program);
 
 /// "varnpdf: WHAT: SENTENCE" on standard error. `what` may be any bytes.
 void complain(const std::string& what, const std::string& sentence);

@@ -109,6 +109,38 @@ bool cli::writeFile(const std::string& path, Pieces pieces) {
     return good;
 }
 
+cli::WorkFile::WorkFile(const std::string& target, std::string_view bytes) : target_(linkTarget(target)) {
+    struct stat status {};
+    const bool exists = ::stat(target_.c_str(), &status) == 0;
+    std::string path = target_ + ".XXXXXX";
+    errno = exists && S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    const int file = exists && !S_ISREG(status.st_mode) ? -1 : ::mkstemp(path.data());
+    if (file >= 0) {
+        path_ = path;
+        bool good = writeAll(file, std::span(&bytes, 1)) && ::fchmod(file, modeFor(exists ? &status : nullptr)) == 0;
+        good = closeAfter(good, file);
+        if (good) return;
+        const int error = errno;
+        ::unlink(path_.c_str());
+        path_.clear();
+        errno = error;
+    }
+    complain(target, reason(errno));
+}
+
+cli::WorkFile::~WorkFile() {
+    if (!path_.empty()) ::unlink(path_.c_str());
+}
+
+bool cli::WorkFile::commit() {
+    if (std::rename(path_.c_str(), target_.c_str()) != 0) {
+        complain(target_, reason(errno));
+        return false;
+    }
+    path_.clear();
+    return true;
+}
+
 void cli::complain(const std::string& what, const std::string& sentence) {
     std::fflush(stdout);
     const std::string line = "varnpdf: " + printable(what) + ": " + printable(sentence) + '\n';

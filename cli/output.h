@@ -18,4 +18,22 @@ void put(std::string_view bytes);
 /// The same for bytes that stand in several places.
 [[nodiscard]] bool writeFile(const std::string& path, std::span<const std::string_view> pieces);
 
+/// A file beside the one that is to be written, for results that are made in steps. Without `commit` it vanishes.
+class WorkFile {
+public:
+    /// Creates it with these bytes. Check `isOpen`; a complaint has been made.
+    WorkFile(const std::string& target, std::string_view bytes);
+    WorkFile(const WorkFile&) = delete;
+    WorkFile& operator=(const WorkFile&) = delete;
+    ~WorkFile();
+    [[nodiscard]] bool isOpen() const { return !path_.empty(); }
+    [[nodiscard]] const std::string& path() const { return path_; }
+    /// Puts it in the place of the target. False after a complaint.
+    [[nodiscard]] bool commit();
+
+private:
+    std::string target_;
+    std::string path_;
+};
+
 }  // namespace cli

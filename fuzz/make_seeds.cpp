@@ -1,6 +1,7 @@
-// Writes the first inputs of the fuzz targets: make_seeds DIRECTORY. Documents go to DIRECTORY/open, the same and
-// documents with forms to DIRECTORY/sign, texts to DIRECTORY/syntax, keys with texts to DIRECTORY/entry, old security
-// stores to DIRECTORY/store, files to convert to DIRECTORY/convert. Small files of the corpus join the documents.
+// Writes the first inputs of the fuzz targets: make_seeds DIRECTORY. Documents go to DIRECTORY/open and
+// DIRECTORY/attach, the same and documents with forms to DIRECTORY/sign, texts to DIRECTORY/syntax, keys with texts to
+// DIRECTORY/entry, old security stores to DIRECTORY/store, files to convert to DIRECTORY/convert. Small files of the
+// corpus join the documents.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -69,6 +70,20 @@ std::string linearized() {
 std::string locked(const std::string& method, const std::string& params) {
     PdfBuilder builder = signedDocument(1, "<3000>", "/TransformMethod " + method + " /TransformParams 8 0 R");
     return builder.object(8, params).table().bytes();
+}
+
+std::string withNameTree() {
+    PdfBuilder builder("\n", "%PDF-1.4");
+    builder.object(
+        1, "<< /Type /Catalog /Pages 2 0 R /Names << /EmbeddedFiles 4 0 R >> /PageLabels << /Nums [0 9 0 R] >> >>");
+    builder.object(2, "<< /Type /Pages /Kids [3 0 R] /Count 1 /Resources << /Font << /A 9 0 R >> >> >>");
+    builder.object(
+        3, "<< /Type /Page /Parent 2 0 R /Contents 8 0 R /Annots [<< /Subtype /FileAttachment /FS 7 0 R >>] >>");
+    builder.object(4, "<< /Kids 5 0 R >>").object(5, "[6 0 R]");
+    builder.object(6, "<< /Limits [(a) <62>] /Names [(a) 7 0 R (b\\)) << /F (b) >>] >>");
+    builder.object(7, "<< /Type /Filespec /F (a) /UF <FEFF0061> /EF << /F 8 0 R >> /Desc (d) >>");
+    builder.stream(8, "/Params << /Size 4 >> /Subtype /text#2Fplain", "data", {.deflate = true});
+    return builder.object(9, "<< /S /D >>").table().bytes();
 }
 
 std::map<std::string, std::string> documents() {
@@ -204,14 +219,16 @@ int main(int argc, char** argv) {
         return 2;
     }
     const fs::path root(argv[1]);
-    for (const char* const name : {"open", "sign", "syntax", "entry", "store", "convert"}) {
+    for (const char* const name : {"open", "attach", "sign", "syntax", "entry", "store", "convert"}) {
         fs::create_directories(root / name);
     }
     const auto made = documents();
     const auto forms = formDocuments();
-    for (const auto& [name, bytes] : made) write(root / "open" / (name + ".pdf"), bytes);
-    for (const auto& [name, bytes] : made) write(root / "sign" / (name + ".pdf"), bytes);
+    for (const auto& [name, bytes] : made) {
+        for (const char* const target : {"open", "attach", "sign"}) write(root / target / (name + ".pdf"), bytes);
+    }
     for (const auto& [name, bytes] : forms) write(root / "sign" / (name + ".pdf"), bytes);
+    write(root / "attach" / "tree.pdf", withNameTree());
     for (std::size_t i = 0; i < kTexts.size(); ++i) write(root / "syntax" / std::to_string(i), kTexts[i]);
     for (std::size_t i = 0; i < kEntries.size(); ++i) {
         write(root / "entry" / std::to_string(i), kEntries[i].first + '\0' + kEntries[i].second);

@@ -126,6 +126,12 @@ public:
     void SetObjNum(int count) { objectCount_ = count; }
     /// Takes over a pair of object numbers.
     void AddListItem(CPdfObjTransferListItem* item);
+    [[nodiscard]] int GetListItemCount() const { return static_cast<int>(transfers_.size()); }
+    /// One of the pairs (from 0), or null. Owned by the document.
+    [[nodiscard]] const CPdfObjTransferListItem* GetListItem(int index) const {
+        const bool exists = index >= 0 && static_cast<std::size_t>(index) < transfers_.size();
+        return exists ? transfers_[static_cast<std::size_t>(index)].get() : nullptr;
+    }
     /// Logs the object table at debug level.
     void DebugShowObjectInfo();
     /// Logs the trailers at debug level.

@@ -146,13 +146,13 @@ int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int
     const auto save = [&]() -> int {
         logDebug(m_logger, "entering CPdfSign::SaveSignature");
         if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
+        StagedFile file(pcSignedFile);
+        if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
+        logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
         char* value = nullptr;
         std::uint32_t length = 0;
         buildSignContent(&value, &length, sig, sigLen, contentsSize);
         const std::unique_ptr<char[]> content(value);
-        StagedFile file(pcSignedFile);
-        if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
-        logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
         file.write(viewOf(prepared_.get(), contentsOffset_));
         file.write({content.get(), length});
         file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));

@@ -32,6 +32,7 @@ Jörg Müßig~b:4af67267204dfcdf6967
 (Dr.) Ä~u:(Dr.) Ä
 x\~u:x\\
 a\(b\\c)~u:a\\(b\\\\c)
+a\(b~u:a\\(b
 TABLE
 run 2 'mark an encoding' sign in.pdf -o text.pdf "${me[@]}" --name 'þÿx'
 run 0 '' sign in.pdf -o text.pdf "${me[@]}"
@@ -126,7 +127,6 @@ done <<'TABLE'
 2|requires --size|--position 5,5
 4|there is no page 2|--page 2
 4|\(-1022\)|--size 700,60
-4|\(-1006\)|--name 'a\(b'
 TABLE
 run 4 '\(-1021\)' sign encrypted.pdf -o kept.pdf "${me[@]}"
 run 4 '\(-1001\)' sign missing.pdf -o kept.pdf "${me[@]}"

@@ -1,0 +1,81 @@
+// CPdfCollection: building a portfolio from several files.
+#pragma once
+
+#include <list>
+#include <string>
+#include <utility>
+
+#include "varnpdf/ClassLogger.h"
+#include "varnpdf/export.h"
+
+class CPdf;
+
+/// One input file of a portfolio.
+class VARNPDF_EXPORT CPdfCollectionListItem {
+public:
+    /// Kinds of files. A PDF must open and be of version 1.4 or older; of the others only the bytes are looked at.
+    enum FileType : int { ePdf = 1, eImage = 2, eText = 3, eOther = 4 };
+
+    /// @param fileName     path of the file
+    /// @param fileType     1 to 4, see `FileType`
+    /// @param activePage   this document supplies the cover sheet and is the one shown first; it counts as a PDF
+    /// @param description  UTF-8, shown by viewers
+    CPdfCollectionListItem(std::string fileName, int fileType, bool activePage, std::string description)
+        : fileName_(std::move(fileName)),
+          fileType_(fileType),
+          activePage_(activePage),
+          description_(std::move(description)) {}
+    [[nodiscard]] std::string getFileName() const { return fileName_; }
+    void setFileName(std::string fileName) { fileName_ = std::move(fileName); }
+    [[nodiscard]] int getFileType() const { return fileType_; }
+    [[nodiscard]] bool getIsActivePage() const { return activePage_; }
+    [[nodiscard]] std::string getDescription() const { return description_; }
+    void setDescription(std::string description) { description_ = std::move(description); }
+
+private:
+    std::string fileName_;
+    int fileType_;
+    bool activePage_;
+    std::string description_;
+};
+
+/// Builds portfolios (ISO 32000-2 12.3.5). Holds nothing; different objects may be used by different threads at the
+/// same time.
+class VARNPDF_EXPORT CPdfCollection {
+public:
+    CPdfCollection();
+    ~CPdfCollection();
+
+    /// Writes a new document that holds every file of the list, compressed, with the first page of the active one as
+    /// cover sheet. A file of this name is replaced; when anything fails nothing is written.
+    /// @param path   the file to write
+    /// @param items  stay the caller's
+    /// @return 0, VARNPDF_COLLECTION_PATH_MISSING (-1300), VARNPDF_COLLECTION_EMPTY (-1301),
+    ///         VARNPDF_COLLECTION_NAME_MISSING (-1302), VARNPDF_COLLECTION_FILE_TYPE (-1303),
+    ///         VARNPDF_COLLECTION_ACTIVE (-1304), VARNPDF_COLLECTION_FILE_UNREADABLE (-1305),
+    ///         VARNPDF_COLLECTION_NOT_WRITTEN (-1306: the file cannot be written, or there is not enough memory),
+    ///         VARNPDF_COLLECTION_PDF_UNREADABLE (-1307), VARNPDF_COLLECTION_PDF_VERSION (-1308) or
+    ///         VARNPDF_TRAILER_INCOMPLETE (-1004: the active document has no page)
+    int CreateCollection(char* path, std::list<CPdfCollectionListItem*> items);
+
+    /// Copies an object of `source`, and everything it refers to except through /Parent, into the object array of
+    /// `target`. The target's list of number pairs says what has been copied before; a target takes objects of one
+    /// source only.
+    /// @return the object's new number, or VARNPDF_UPDATE_OBJECT_MISSING (-1024): a null document, or no such object
+    int CopyOldObjToNew(int objectNumber, CPdf* source, CPdf* target);
+
+    /// The array of a name tree with one more pair. `array` is "" for none yet, `key` as it stands between parentheses,
+    /// `reference` an object number.
+    std::string AppendToNamesArray(std::string array, std::string key, std::string reference);
+    /// What stands behind the last '/'.
+    std::string JustFilename(std::string path);
+    /// Copies what stands between "obj" and "endobj" of an object's text, without white space around it. `out` has room
+    /// for `len` bytes and is not terminated. 1, or 0 with `*outLen` 0 when there is nothing.
+    int StripRealContent(char* text, int len, char* out, int* outLen);
+    /// The kind of a value as `CPdfHelper::ReadObject` numbers it: 1 boolean, 2 number, 3 string, 4 name, 5 array,
+    /// 6 dictionary, 7 stream, 8 null, 0 none of them. References are followed; one that leads nowhere is null.
+    int ExamineValue(std::string value, CPdf* source);
+
+private:
+    static varnpdf::ClassLogger m_logger;
+};

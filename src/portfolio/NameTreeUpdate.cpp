@@ -1,0 +1,143 @@
+// Adding a file to the embedded-files name tree.
+#include "portfolio/NameTreeUpdate.h"
+
+#include "portfolio/Streams.h"
+#include "support/Limits.h"
+#include "support/Text.h"
+#include "syntax/Lexer.h"
+
+namespace varnpdf {
+namespace {
+
+// The last element of an array that is a reference.
+std::optional<std::string_view> lastKid(std::string_view array) {
+    Lexer lexer(array);
+    if (lexer.next().kind != TokenKind::ArrayOpen) return std::nullopt;
+    std::string_view last;
+    while (const auto value = takeValue(lexer, array)) last = value->of(array);
+    return last;
+}
+
+}  // namespace
+
+std::string NameTreeUpdate::pair() const { return text(literalString(key_), ' ', fileSpec_, " 0 R"); }
+
+// The text, as changed so far, of the object that a value refers to; null for any other value.
+std::string* NameTreeUpdate::textOf(std::string_view reference) {
+    const CPdfObj* const object = referenced(pdf_, reference);
+    if (object == nullptr || object->content().empty()) return nullptr;
+    return &changed_.try_emplace(object->GetObjNum(), object->content()).first->second;
+}
+
+// A missing object is null (ISO 32000-2 7.3.10); one that is there but cannot be read is not.
+bool NameTreeUpdate::isAbsent(std::string_view value) {
+    if (value.empty() || value == "null") return true;
+    const CPdfObj* const object = referenced(pdf_, value);
+    if (object == nullptr || object->content().empty()) return resolved(pdf_, value).empty();
+    return resolved(pdf_, value) == "null";
+}
+
+// Applies an edit to what a key leads to: to the object that is referred to, or to the value in place.
+bool NameTreeUpdate::editValue(std::string& holder, std::string_view key, Edit edit) {
+    std::string value(valueOf(holder, key));
+    if (std::string* const object = textOf(value)) return (this->*edit)(*object);
+    if (!(this->*edit)(value)) return false;
+    auto renewed = withDictionaryEntry(holder, key, value);
+    if (!renewed) return false;
+    holder = std::move(*renewed);
+    return true;
+}
+
+bool NameTreeUpdate::run(CPdfObj& catalogue) {
+    std::string& root = changed_.try_emplace(catalogue.GetObjNum(), catalogue.content()).first->second;
+    if (isAbsent(valueOf(root, "/Names"))) {
+        auto renewed = withDictionaryEntry(root, "/Names", text(addNames(), " 0 R"));
+        if (!renewed) return false;
+        root = std::move(*renewed);
+    } else if (!editValue(root, "/Names", &NameTreeUpdate::editNames)) {
+        return false;
+    }
+    std::erase_if(changed_, [&](const auto& object) {
+        return object.second == pdf_.get_pdf_obj_from_map(object.first)->content();
+    });
+    return true;
+}
+
+int NameTreeUpdate::addNames() {
+    const int names = next_++;
+    added_[names] = text(names, " 0 obj\r<<\r/EmbeddedFiles ", names + 1, " 0 R\r>>\rendobj\r");
+    addTree();
+    return names;
+}
+
+int NameTreeUpdate::addTree() {
+    const int tree = next_++;
+    added_[tree] = text(tree, " 0 obj\r\n<<\r\n/Names [", pair(), "]\r\n>>\r\nendobj\r\n");
+    return tree;
+}
+
+bool NameTreeUpdate::editNames(std::string& names) {
+    const std::string_view tree = valueOf(names, "/EmbeddedFiles");
+    if (!isAbsent(tree)) return editValue(names, "/EmbeddedFiles", &NameTreeUpdate::editNode);
+    auto renewed = withDictionaryEntry(names, "/EmbeddedFiles", text(next_, " 0 R"));
+    if (!renewed) return false;
+    names = std::move(*renewed);
+    addTree();
+    return true;
+}
+
+// The pair goes into the last leaf, so that it is the last one of the whole tree.
+bool NameTreeUpdate::editNode(std::string& node) {
+    if (!readObjectDictionary(node) || ++depth_ > limits::kNesting) return false;
+    const std::string_view kids = valueOf(node, "/Kids");
+    if (isAbsent(kids)) return editLeaf(node);
+    const auto kid = lastKid(resolved(pdf_, kids));
+    if (!kid) return false;
+    if (kid->empty()) return editLeaf(node);
+    const CPdfObj* const object = referenced(pdf_, *kid);
+    if (object == nullptr || !kidsSeen_.insert(object->GetObjNum()).second) return false;
+    std::string* const leaf = textOf(*kid);
+    return leaf != nullptr && leaf != &node && editNode(*leaf) && widenLimits(node);
+}
+
+bool NameTreeUpdate::editLeaf(std::string& leaf) {
+    if (!isAbsent(valueOf(leaf, "/Names"))) {
+        return editValue(leaf, "/Names", &NameTreeUpdate::insertPair) && widenLimits(leaf);
+    }
+    auto renewed = withDictionaryEntry(leaf, "/Names", text('[', pair(), ']'));
+    if (!renewed) return false;
+    leaf = std::move(*renewed);
+    return widenLimits(leaf);
+}
+
+// In front of the "]" that closes the array; what does not end so is refused.
+bool NameTreeUpdate::insertPair(std::string& holder) {
+    const auto array = valueAt(holder, bodyBegin(holder));
+    if (!array || !array->of(holder).starts_with('[') || !array->of(holder).ends_with(']')) return false;
+    holder.insert(array->end - 1, (array->size() > 2 ? " " : "") + pair());
+    return true;
+}
+
+// Keys are compared byte by byte (ISO 32000-2 7.9.6).
+bool NameTreeUpdate::widenLimits(std::string& node) {
+    const std::string_view value = valueOf(node, "/Limits");
+    if (isAbsent(value)) return true;
+    const std::string_view array = resolved(pdf_, value);
+    Lexer lexer(array);
+    if (lexer.next().kind != TokenKind::ArrayOpen) return false;
+    const auto least = takeValue(lexer, array);
+    const auto most = takeValue(lexer, array);
+    const auto low = least ? stringBytes(least->of(array)) : std::nullopt;
+    const auto high = most ? stringBytes(most->of(array)) : std::nullopt;
+    if (!low || !high) return false;
+    if (*low <= key_ && key_ <= *high) return true;
+    const std::string own = literalString(key_);
+    const std::string_view from = key_ < *low ? std::string_view(own) : least->of(array);
+    const std::string_view to = key_ > *high ? std::string_view(own) : most->of(array);
+    auto renewed = withDictionaryEntry(node, "/Limits", text('[', from, ' ', to, ']'));
+    if (!renewed) return false;
+    node = std::move(*renewed);
+    return true;
+}
+
+}  // namespace varnpdf
