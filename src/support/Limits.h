@@ -47,5 +47,10 @@ inline constexpr std::size_t kFieldLocks = 1000;
 /// Longest content of an appearance whose text is replaced, and what all of them may inflate to together.
 inline constexpr std::size_t kAppearanceBytes = std::size_t{4} << 20U;
 inline constexpr std::size_t kAppearancesBytes = std::size_t{256} << 20U;
+/// What is gone through to list the embedded files: many names may lead to one large object.
+inline constexpr std::size_t kAttachmentBytesBase = std::size_t{16} << 20U;
+inline constexpr std::size_t kAttachmentBytesPerByte = 16;
+/// Stream data copied from a document; objects whose streams overlap could multiply it.
+inline constexpr std::size_t kCopiedBytesPerByte = 4;
 
 }  // namespace varnpdf::limits
