@@ -1,6 +1,5 @@
 // CPdfAttachments: the embedded files of a document.
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <set>
@@ -226,10 +225,10 @@ int CPdfAttachments::GetContent(int index, unsigned char* buffer, unsigned long*
             list_->unpacked = std::move(*bytes);
             list_->unpackedIndex = index;
         }
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         return VARNPDF_EMBEDDED_FILE_UNREADABLE;
     }
     *length = list_->unpacked.size();
-    if (buffer != nullptr) std::memcpy(buffer, list_->unpacked.data(), list_->unpacked.size());
+    if (buffer != nullptr) list_->unpacked.copy(reinterpret_cast<char*>(buffer), list_->unpacked.size());
     return VARNPDF_OK;
 }
