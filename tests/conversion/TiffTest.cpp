@@ -284,7 +284,7 @@ void addDirectory(TIFF* tif, const Kind& kind, const std::function<void(TIFF*)>&
 
 std::string makeTiff(const WorkDirectory& work, const Kind& kind, int pages = 1,
                      const std::function<void(TIFF*)>& more = {}, const char* mode = "wl") {
-    const std::string path = work.at("in.tif");
+    std::string path = work.at("in.tif");
     TIFF* const tif = TIFFOpen(path.c_str(), mode);
     for (int i = 0; i < pages; ++i) addDirectory(tif, kind, more);
     TIFFClose(tif);
