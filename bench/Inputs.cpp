@@ -290,17 +290,17 @@ Input Inputs::smallDocument() {
 }
 
 Input Inputs::tenPages() {
-    constexpr int kPages = 10;
+    constexpr int kPageCount = 10;
     constexpr int kFirstPage = 5;  // behind catalogue, page tree, /Info and metadata
     constexpr int kPerPage = 8;    // page, contents, two fonts, four links
     test::PdfBuilder builder;
     std::string kids;
-    for (int i = 0; i < kPages; ++i) kids += std::to_string(kFirstPage + i * kPerPage) + " 0 R ";
+    for (int i = 0; i < kPageCount; ++i) kids += std::to_string(kFirstPage + i * kPerPage) + " 0 R ";
     builder.object(1, "<< /Type /Catalog /Pages 2 0 R /Metadata 4 0 R /Lang (de-DE) /PageMode /UseNone >>");
-    builder.object(2, "<< /Type /Pages /Kids [" + kids + "] /Count " + std::to_string(kPages) + " >>");
+    builder.object(2, "<< /Type /Pages /Kids [" + kids + "] /Count " + std::to_string(kPageCount) + " >>");
     builder.object(3, "<< /Title (Bericht) /CreationDate (D:20240101120000Z) /ModDate (D:20240101120000Z) >>");
     builder.stream(4, "/Type /Metadata /Subtype /XML", metadataText());
-    for (int i = 0; i < kPages; ++i) {
+    for (int i = 0; i < kPageCount; ++i) {
         const int page = kFirstPage + i * kPerPage;
         const auto reference = [page](int offset) { return std::to_string(page + offset) + " 0 R"; };
         builder.object(page, "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents " + reference(1) +
@@ -314,7 +314,7 @@ Input Inputs::tenPages() {
     return save(
         "ten-pages",
         builder.table({.entries = "/Root 1 0 R /Info 3 0 R /ID [<0123456789ABCDEF> <0123456789ABCDEF>]"}).bytes(),
-        kFirstPage + kPages * kPerPage - 1);
+        kFirstPage + kPageCount * kPerPage - 1);
 }
 
 Inputs& inputs() {

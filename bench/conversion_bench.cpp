@@ -82,7 +82,7 @@ void convertJpeg(benchmark::State& state) {
             const std::unique_ptr<std::FILE, int (*)(std::FILE*)> in(std::fopen(input.path.c_str(), "rb"), std::fclose);
             const std::unique_ptr<std::FILE, int (*)(std::FILE*)> out(std::fopen(work.at("copy").c_str(), "wb"),
                                                                       std::fclose);
-            std::vector<char> block(128 * 1024);
+            std::vector<char> block(std::size_t{128} << 10U);
             std::setvbuf(in.get(), nullptr, _IONBF, 0);
             std::setvbuf(out.get(), nullptr, _IONBF, 0);
             for (std::size_t count = 1; count > 0;) {
@@ -173,7 +173,7 @@ void convertText(benchmark::State& state) {
         text += '\n';
     }
     const Input input = work.write("in.txt", text);
-    constexpr std::size_t kPage = 55 * 66;  // with what a line has around it
+    constexpr std::size_t kPage = std::size_t{55} * 66;  // with what a line has around it
     const auto limit = [&] {
         return milliseconds([&] {
             const std::string bytes = readAll(input.path);

@@ -1,5 +1,6 @@
 // varnpdf dss: material for long-term validation put into a signed document.
 #include <CLI/CLI.hpp>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -96,7 +97,7 @@ cli::Command cli::addDss(CLI::App& program) {
     parser
         ->add_option("--signature", options->signature,
                      "Which one: the index that \"varnpdf info\" shows; else the last")
-        ->check(CLI::NonNegativeNumber)
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
         ->option_text("N");
     parser->add_option("--cert", options->certificates, "Certificates")->option_text("FILE...");
     parser->add_option("--crl", options->crls, "Certificate revocation lists")->option_text("FILE...");

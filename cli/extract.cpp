@@ -1,5 +1,6 @@
 // varnpdf extract: the parts of a signature as files.
 #include <CLI/CLI.hpp>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -79,14 +80,14 @@ cli::Command cli::addExtract(CLI::App& program) {
     parser->add_option("FILE", options->file, "PDF file")->required()->option_text(" ");
     parser->add_option("--signature", options->signature, "Which one: the index that \"varnpdf info\" shows, from 0")
         ->required()
-        ->check(CLI::NonNegativeNumber)
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
         ->option_text("N");
     CLI::Option_group* what = parser->add_option_group("what", "exactly one of them");
     what->add_flag("--pkcs7", options->pkcs7, "The PKCS#7 or CAdES value (DER), without the padding of its room");
     what->add_flag("--signed-bytes", options->signedBytes, "The bytes that the signature covers");
     what->add_flag("--pkcs1", options->pkcs1, "The PKCS#1 value (a DER OCTET STRING)");
     what->add_option("--certificate", options->certificate, "A certificate of /Cert, from 0")
-        ->check(CLI::NonNegativeNumber)
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
         ->option_text("K");
     what->require_option(1);
     parser->add_option("-o,--output", options->out, "File to write; without it, or with -, standard output")

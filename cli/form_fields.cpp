@@ -99,7 +99,20 @@ int run(const Options& options) {
     if (cli::openDocument(pdf, options.file) != 0) return cli::kAllFailed;
     CPdfForm form(&pdf);
     Json fields = Json::array();
-    for (int i = 0; i < form.GetFieldNum(); ++i) fields.push_back(describe(form, i));
+    // Many fields may refer to one long value.
+    constexpr std::size_t kBytes = std::size_t{64} << 20U;
+    constexpr std::size_t kBytesPerByte = 8;
+    std::size_t left = kBytes + kBytesPerByte * pdf.GetContentLen();
+    for (int i = 0; i < form.GetFieldNum(); ++i) {
+        fields.push_back(describe(form, i));
+        const auto* const value = fields.back()["value"].get_ptr<const Json::string_t*>();
+        if (value == nullptr) continue;
+        if (value->size() > left) {
+            cli::complain(options.file, "the values of its fields are longer than the file allows for");
+            return cli::kAllFailed;
+        }
+        left -= value->size();
+    }
     if (options.json) {
         cli::put(Json{{"file", cli::validUtf8(options.file)}, {"fields", std::move(fields)}}.dump() + '\n');
     } else {

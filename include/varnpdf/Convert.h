@@ -37,8 +37,8 @@ VARNPDF_EXPORT int VarnImage(char* in, char* out);
 // at the file's start. The head, the pages and the foot of one document are written in this order by one thread, which
 // frames one document at a time: the offsets of the objects are remembered for the thread and the file.
 
-/// Reads the JPEG frame header from the start of the file. `*gray` is 1 for one component, else 0. The pointers must
-/// not be null. Leaves the file behind the header.
+/// Reads the JPEG frame header from the start of the file. `*gray` is 1 for one component, else 0. The pointers to
+/// the results must not be null. Leaves the file behind the header.
 /// @return 1, or 0 when there is no frame header in front of the image data
 VARNPDF_EXPORT int scanhead(FILE* file, int* width, int* height, int* gray);
 /// Writes everything in front of the JPEG data.
@@ -66,7 +66,7 @@ VARNPDF_EXPORT int WriteFooterTxt(FILE* file, int objects, int pages);
 /// Escapes one line for a literal string in place: a backslash in front of "'", "(", ")" and backslash, and
 /// `Char2Octet` for the seven bytes of the DOS code page that `VarnImage` names.
 /// @param line  NUL-terminated, with room for 4 * strlen(line) + 1 bytes; null gives 0
-/// @return the new length
+/// @return the new length, or VARNPDF_PDF_MEMORY_ALLOCATION (-1014) with the line as it was
 VARNPDF_EXPORT int ConvertTextLine(char* line);
 /// Writes a backslash, three octal digits and NUL to `out` (5 bytes): the place in WinAnsiEncoding of the DOS code
 /// page's umlauts and sharp s, and of any other byte its own value.
@@ -74,9 +74,10 @@ VARNPDF_EXPORT void Char2Octet(unsigned char byte, char* out);
 /// Writes a TIFF as document, one page for each directory, the samples as RGB. Everything that libtiff's RGBA interface
 /// reads can be converted; transparent pixels are laid over white. Pages have the size that the resolution tags give
 /// when these are sane (20 to 10,000 dots per inch), else 0.24 points a pixel; the orientation tag turns the page.
-/// A chain of directories that leads back ends there. Logs to "VarnPDF.VarnImage".
+/// A chain of directories that leads back ends there; it begins with the file's first, whichever is the current one.
+/// Logs to "VarnPDF.VarnImage".
 /// @param tif   open for reading; stays open
-/// @param file  receives the document from its present position on
+/// @param file  receives the document from its present position on; offsets count from there
 /// @return 0, VARNPDF_TIFF_UNREADABLE (-601: a directory cannot be read, decoded or is too large, or there are too many
 ///         pages) or VARNPDF_CONVERT_WRITE (-602)
 VARNPDF_EXPORT int ConvertTIFF(tiff* tif, FILE* file);

@@ -26,6 +26,7 @@ class Preparation;
 class SecurityStore;
 struct Appearance;
 struct ByteRange;
+struct FieldReading;
 struct FieldWidths;
 struct IndexPair;
 struct LockAnswers;
@@ -253,13 +254,13 @@ public:
     /// Reads the form's fonts and the text fields: every object with a literal /T, except the one with the highest
     /// number. Sets the object count to /Size. Names and values are the texts between the parentheses, escapes and all.
     /// Fields whose widgets stand apart, full names and other field types: see `CPdfForm`.
-    /// @return never null; the caller deletes it. Empty when the document has no fields
+    /// @return the caller deletes it; empty when the document has no fields, null when there is no memory
     CPdfFieldContainer* ReadFields();
     /// Copies the streams that each field's /AP names (/N, /R, /D in this order) into the field.
     void ReadApperanceObjects(CPdfFieldContainer* container);
     /// Writes every field marked new (`CPdfField::GetIsNew`), then its appearances, with `WriteTextAnnotation`. An
     /// appearance that several fields share is written once.
-    /// @return the number of fields in the container
+    /// @return the number of fields in the container, or VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
     int AppendObjects(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer* container);
 
     // --- documents from nothing ------------------------------------------------------------------------------------
@@ -411,7 +412,10 @@ private:
     bool writeVisible(CPdfXRef& xref, const varnpdf::Appearance& form, FormfieldInfo_tag* fields, int fieldCount);
     varnpdf::PageTree& pageTree(CPdfObj& root);
     const varnpdf::PageNode& pageNode(varnpdf::PageTree& tree, const CPdfObj& obj);
-    void readField(CPdfObj& obj, CPdfFieldContainer& container);
+    void readFields(CPdfFieldContainer& container);
+    void readField(CPdfObj& obj, varnpdf::FieldReading& reading);
+    void readAppearances(CPdfFieldContainer& container);
+    int appendFields(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer& container);
     void walkTree(std::string_view references, const CPdfObj* root, bool (*isLeaf)(CPdfObj&),
                   std::vector<CPdfObj*>& leaves);
     std::optional<std::string> pageContent(const CPdfObj& page);

@@ -44,7 +44,8 @@ private:
 /// annotations (ISO 32000-2 12.5.6.15). Used by one thread at a time and not longer than the document.
 class VARNPDF_EXPORT CPdfAttachments {
 public:
-    /// Looks through the document, which must be open. Damaged parts of the tree are passed over.
+    /// Looks through the document, which must be open. Damaged parts of the tree are passed over; the list
+    /// ends early when names lead to the same large objects again and again, and is empty for want of memory.
     explicit CPdfAttachments(CPdf* pdf);
     CPdfAttachments(const CPdfAttachments&) = delete;
     CPdfAttachments& operator=(const CPdfAttachments&) = delete;

@@ -61,7 +61,8 @@ public:
     /// Copies an object of `source`, and everything it refers to except through /Parent, into the object array of
     /// `target`. The target's list of number pairs says what has been copied before; a target takes objects of one
     /// source only.
-    /// @return the object's new number, or VARNPDF_UPDATE_OBJECT_MISSING (-1024): a null document, or no such object
+    /// @return the object's new number, VARNPDF_UPDATE_OBJECT_MISSING (-1024: a null document, or no such object) or
+    ///         VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
     int CopyOldObjToNew(int objectNumber, CPdf* source, CPdf* target);
 
     /// The array of a name tree with one more pair. `array` is "" for none yet, `key` as it stands between parentheses,

@@ -19,8 +19,9 @@ thread_local std::optional<ObjectFile> framed;
 template <typename Put>
 bool addTo(std::FILE* file, Put put) {
     try {
+        if (file == nullptr || !framed || framed->file() != file) return false;
         const off_t position = ftello(file);
-        if (!framed || framed->file() != file || position < 0) return false;
+        if (position < 0) return false;
         framed->setPosition(static_cast<std::uint64_t>(position));
         put(*framed);
         return framed->flush();
@@ -31,7 +32,11 @@ bool addTo(std::FILE* file, Put put) {
 
 template <typename Put>
 int begin(std::FILE* file, Put put) {
-    framed.emplace(file);
+    try {
+        framed.emplace(file);
+    } catch (...) {
+        return VARNPDF_CONVERT_WRITE;
+    }
     return addTo(file, put) ? VARNPDF_OK : VARNPDF_CONVERT_WRITE;
 }
 
@@ -45,6 +50,7 @@ int finish(std::FILE* file, Put put) {
 }  // namespace
 
 int scanhead(FILE* file, int* width, int* height, int* gray) {
+    if (file == nullptr) return 0;
     std::rewind(file);
     const std::optional<JpegFrame> frame = readFrame(file);
     if (!frame) return 0;
@@ -73,18 +79,21 @@ int WritePage(FILE* file, char* lines, int n) {
 }
 
 int WriteFooterTxt(FILE* file, int objects, int pages) {
-    if (!framed || framed->size() != objects + 1 || objects != kTextHeadObjects + 2 * pages) {
-        return VARNPDF_CONVERT_WRITE;
-    }
+    const bool fits = framed && framed->size() - 1 == objects && objects == kTextHeadObjects + 2LL * pages;
+    if (!fits) return VARNPDF_CONVERT_WRITE;
     return finish(file, [=](ObjectFile& out) { putTextFoot(out, pages); });
 }
 
 int ConvertTextLine(char* line) {
     if (line == nullptr) return 0;
-    std::string escaped;
-    appendEscaped(escaped, line, TextCode::kDos);
-    std::memcpy(line, escaped.c_str(), escaped.size() + 1);
-    return static_cast<int>(escaped.size());
+    try {
+        std::string escaped;
+        appendEscaped(escaped, line, TextCode::kDos);
+        std::memcpy(line, escaped.c_str(), escaped.size() + 1);
+        return static_cast<int>(escaped.size());
+    } catch (...) {
+        return VARNPDF_PDF_MEMORY_ALLOCATION;
+    }
 }
 
 void Char2Octet(unsigned char byte, char* out) {

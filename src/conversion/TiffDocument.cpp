@@ -11,6 +11,7 @@
 #include "conversion/Deflater.h"
 #include "conversion/RunDeflater.h"
 #include "conversion/TiffMessages.h"
+#include "conversion/TiffRows.h"
 #include "conversion/TiffSamples.h"
 #include "varnpdf/result.h"
 
@@ -57,45 +58,105 @@ bool readAt(TIFF* tif, std::uint64_t offset, unsigned char* to, std::size_t size
            read(handle, to, static_cast<tmsize_t>(size)) == static_cast<tmsize_t>(size);
 }
 
-// Where the directory behind the one at `offset` stands, 0 for none. libtiff does not tell a chain that leads back from
-// one that leads nowhere.
-std::optional<std::uint64_t> nextDirectory(TIFF* tif, std::uint64_t offset) {
-    unsigned char bytes[8];
-    if (!readAt(tif, 0, bytes, 4)) return {};
-    const bool bigEndian = bytes[0] == 'M';
-    const bool bigTiff = readNumber(bytes + 2, 2, bigEndian) == 43;
-    const std::size_t countSize = bigTiff ? 8 : 2;
-    if (!readAt(tif, offset, bytes, countSize)) return {};
-    const std::uint64_t count = readNumber(bytes, countSize, bigEndian);
-    if (count > UINT16_MAX) return {};
-    const std::size_t linkSize = bigTiff ? 8 : 4;
-    if (!readAt(tif, offset + countSize + count * (bigTiff ? 20 : 12), bytes, linkSize)) return {};
-    return readNumber(bytes, linkSize, bigEndian);
-}
+struct Directory {
+    std::uint64_t bytes = 0;       ///< of itself
+    std::uint64_t valueBytes = 0;  ///< of the values that its entries name
+    std::uint64_t next = 0;        ///< where the one behind stands, 0 for none
+};
 
-// The directories of the chain, by offset. One seen before ends it.
-std::optional<std::vector<std::uint64_t>> directories(TIFF* tif) {
-    constexpr std::size_t kMost = (limits::kDeclaredSize - kHeadObjects - 1) / 3;
-    std::vector<std::uint64_t> offsets;
-    std::unordered_set<std::uint64_t> seen;
-    std::optional<std::uint64_t> next = TIFFCurrentDirOffset(tif);
-    while (next && *next != 0 && seen.insert(*next).second) {
-        offsets.push_back(*next);
-        if (offsets.size() > kMost) return {};
-        next = nextDirectory(tif, *next);
+/// The directories as they stand in the file. libtiff does not tell a chain that leads back from one that leads nowhere,
+/// and reads a directory in time that grows with the square of its entries.
+class DirectoryChain {
+public:
+    explicit DirectoryChain(TIFF* tif) : tif_(tif), fileBytes_(TIFFGetSizeProc(tif)(TIFFClientdata(tif))) {}
+
+    /// The offsets in order. One seen before ends the chain; nothing when a directory cannot be read, or when they
+    /// overlap, are too many or name too much.
+    std::optional<std::vector<std::uint64_t>> offsets() {
+        unsigned char head[16];
+        if (!readAt(tif_, 0, head, 8)) return {};
+        bigEndian_ = head[0] == 'M';
+        big_ = readNumber(head + 2, 2, bigEndian_) == 43;
+        if (big_ && !readAt(tif_, 8, head + 8, 8)) return {};
+        std::vector<std::uint64_t> offsets;
+        std::unordered_set<std::uint64_t> seen;
+        std::uint64_t next = big_ ? readNumber(head + 8, 8, bigEndian_) : readNumber(head + 4, 4, bigEndian_);
+        std::uint64_t room = fileBytes_;
+        std::uint64_t valueRoom = limits::kImageBytesBase / kValueWork + fileBytes_ * kValueShares;
+        while (next != 0 && seen.insert(next).second) {
+            const std::optional<Directory> directory = at(next);
+            if (!directory || directory->bytes > room || directory->valueBytes > valueRoom) return {};
+            room -= directory->bytes;
+            valueRoom -= directory->valueBytes;
+            offsets.push_back(next);
+            if (offsets.size() > kMost) return {};
+            next = directory->next;
+        }
+        return offsets;
     }
-    if (!next) return {};
-    return offsets;
-}
 
-// Bytes that must be gone through: samples, or the bits of a page that is written from its runs.
-std::uint64_t workOn(TIFF* tif, const TiffShape& shape) {
-    std::uint16_t bits = 1;
+private:
+    static constexpr std::size_t kMost = (limits::kDeclaredSize - kHeadObjects - 1) / 3;
+    static constexpr std::uint64_t kMostEntries = 4096;  // libtiff reads no more
+    static constexpr std::uint64_t kValueWork = 20;      // a byte of a value, in samples
+    static constexpr std::uint64_t kValueShares = 50;    // directories may share what is large, a colour profile
+
+    std::optional<Directory> at(std::uint64_t offset) {
+        unsigned char number[8];
+        const std::size_t countSize = big_ ? 8 : 2;
+        if (!readAt(tif_, offset, number, countSize)) return {};
+        const std::uint64_t count = readNumber(number, countSize, bigEndian_);
+        if (count > kMostEntries) return {};
+        const std::size_t entrySize = big_ ? 20 : 12;
+        const std::size_t linkSize = big_ ? 8 : 4;
+        room_.resize(count * entrySize + linkSize);
+        if (!readAt(tif_, offset + countSize, room_.data(), room_.size())) return {};
+        Directory directory{.bytes = countSize + room_.size()};
+        for (std::size_t i = 0; i < count; ++i) {
+            const unsigned char* const entry = room_.data() + i * entrySize;
+            const std::uint64_t values = readNumber(entry + 4, linkSize, bigEndian_);
+            const auto type = static_cast<TIFFDataType>(readNumber(entry + 2, 2, bigEndian_));
+            // A longer value cannot be read.
+            if (values <= fileBytes_) directory.valueBytes += values * static_cast<unsigned>(TIFFDataWidth(type));
+        }
+        directory.next = readNumber(room_.data() + count * entrySize, linkSize, bigEndian_);
+        return directory;
+    }
+
+    TIFF* tif_;
+    std::uint64_t fileBytes_;
+    bool bigEndian_ = false;
+    bool big_ = false;
+    std::vector<unsigned char> room_;
+};
+
+/// Bytes that must be gone through for the current directory, 0 when it has no size. Counted are the samples - for a
+/// page that is written from its runs the bits -, what its strips or tiles unfold to, which is more when most samples
+/// are not shown, and what is read for them: strips may share their bytes in the file.
+std::uint64_t workOn(TIFF* tif, std::uint64_t fileBytes) {
+    constexpr std::uint64_t kPieceWork = 2000;  // beginning a strip or tile takes as long as so many samples
+    constexpr std::uint64_t kReadWork = 20;     // a byte that is read
+    constexpr std::uint64_t kMostPlanes = 5;
+    const TiffShape shape = shapeOf(tif);
+    if (shape.rgbBytes() == 0) return 0;
     std::uint16_t samples = 1;
-    TIFFGetFieldDefaulted(tif, TIFFTAG_BITSPERSAMPLE, &bits);
+    std::uint16_t planar = PLANARCONFIG_CONTIG;
     TIFFGetFieldDefaulted(tif, TIFFTAG_SAMPLESPERPIXEL, &samples);
-    const bool bilevel = bits == 1 && samples == 1 && TIFFIsTiled(tif) == 0;
-    return bilevel ? (shape.rgbBytes() + 23) / 24 : shape.rgbBytes();
+    TIFFGetFieldDefaulted(tif, TIFFTAG_PLANARCONFIG, &planar);
+    const bool tiled = TIFFIsTiled(tif) != 0;
+    const std::uint64_t pieces = tiled ? TIFFNumberOfTiles(tif) : TIFFNumberOfStrips(tif);
+    const std::uint64_t planes = planar == PLANARCONFIG_SEPARATE ? std::min<std::uint64_t>(samples, kMostPlanes) : 1;
+    const std::uint64_t unit =
+        std::min<std::uint64_t>(tiled ? TIFFTileSize64(tif) : TIFFScanlineSize64(tif), limits::kImagePieceBytes);
+    const std::uint64_t unfolded = unit * (tiled ? pieces : shape.height * planes);
+    const auto converter = RowConverter::of(tif, shape.width);
+    const std::uint64_t shown = converter && converter->isBilevel() ? 0 : shape.rgbBytes();
+    std::uint64_t work = std::max({shown, unfolded, std::uint64_t{1}}) + pieces * kPieceWork;
+    if (work > limits::kImageBytesBase + limits::kImageBytesPerByte * fileBytes) return work;
+    for (std::uint64_t i = 0; i < pieces; ++i) {
+        work += std::min(TIFFGetStrileByteCount(tif, static_cast<std::uint32_t>(i)), fileBytes) * kReadWork;
+    }
+    return work;
 }
 
 class TiffWriter {
@@ -103,8 +164,12 @@ public:
     TiffWriter(ObjectFile& out, TIFF* tif) : out_(&out), tif_(tif) {}
 
     int write() {
-        const auto offsets = directories(tif_);
-        if (!offsets || !isBounded(*offsets)) return VARNPDF_TIFF_UNREADABLE;
+        const auto offsets = DirectoryChain(tif_).offsets();
+        if (!offsets) {
+            logConversionError(TIFFFileName(tif_), "a directory cannot be read, or the directories overlap");
+            return VARNPDF_TIFF_UNREADABLE;
+        }
+        if (!isBounded(*offsets)) return VARNPDF_TIFF_UNREADABLE;
         putHead(offsets->size());
         for (std::size_t i = 0; i < offsets->size(); ++i) {
             if (TIFFSetSubDirectory(tif_, (*offsets)[i]) != 1) return VARNPDF_TIFF_UNREADABLE;
@@ -121,7 +186,7 @@ private:
         std::uint64_t left = limits::kImageBytesBase + limits::kImageBytesPerByte * fileBytes;
         for (const std::uint64_t offset : offsets) {
             if (TIFFSetSubDirectory(tif_, offset) != 1) return false;
-            const std::uint64_t work = workOn(tif_, shapeOf(tif_));
+            const std::uint64_t work = workOn(tif_, fileBytes);
             if (work == 0 || work > left) {
                 logConversionError(TIFFFileName(tif_), "a page has no size, or the pages are too large");
                 return false;

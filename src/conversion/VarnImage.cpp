@@ -165,6 +165,7 @@ int VarnImage(char* in, char* out) {
 int CPdfDoc::ConvertImage2Pdf(char* in, char* out) { return VarnImage(in, out); }
 
 int GetFileSize_varnimg(FILE* file) {
+    if (file == nullptr) return -1;
     const off_t before = ftello(file);
     if (before < 0 || fseeko(file, 0, SEEK_END) != 0) return -1;
     const off_t size = ftello(file);

@@ -6,6 +6,7 @@
 
 #include "forms/AppearanceContent.h"
 #include "forms/TextString.h"
+#include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
@@ -63,16 +64,20 @@ int varnpdf::replaceShownValue(CPdfObj& appearance, std::string_view value, cons
 }
 
 int CPdfObj::ReplaceValue(const char* value, CFontObj* font, int inField) {
-    std::size_t budget = limits::kAppearanceBytes;
-    return replaceShownValue(*this, value == nullptr ? "" : value, font, inField, budget);
+    return guarded([&]() -> int {
+        std::size_t budget = limits::kAppearanceBytes;
+        return replaceShownValue(*this, value == nullptr ? "" : value, font, inField, budget);
+    });
 }
 
 int CPdfObj::ReplaceStream(unsigned char* data, int len) {
     if (len < 0 || (data == nullptr && len > 0)) return VARNPDF_NO_STREAM;
-    std::size_t budget = limits::kAppearanceBytes;
-    const auto parts = streamParts(content(), NoReferences{}, budget);
-    if (!parts) return VARNPDF_NO_STREAM;
-    const std::string_view bytes(reinterpret_cast<const char*>(data), static_cast<std::size_t>(len));
-    setContent(streamObject(parts->head, bytes, parts->packed));
-    return VARNPDF_OK;
+    return guarded([&]() -> int {
+        std::size_t budget = limits::kAppearanceBytes;
+        const auto parts = streamParts(content(), NoReferences{}, budget);
+        if (!parts) return VARNPDF_NO_STREAM;
+        const std::string_view bytes(reinterpret_cast<const char*>(data), static_cast<std::size_t>(len));
+        setContent(streamObject(parts->head, bytes, parts->packed));
+        return VARNPDF_OK;
+    });
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "forms/TextString.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Lexer.h"
 #include "syntax/Values.h"
 
@@ -11,8 +12,7 @@ namespace varnpdf {
 namespace {
 
 constexpr std::size_t kNoField = std::string_view::npos;
-constexpr std::size_t kLongestWritten = 4 * limits::kFieldNameBytes;  // of a name, escapes included
-constexpr int kLongestChain = 8;                                      // references to references; a loop ends here
+constexpr int kLongestChain = 8;  // references to references; a loop ends here
 
 void inherit(std::string_view& attribute, std::string_view own) {
     if (!own.empty()) attribute = own;
@@ -124,7 +124,7 @@ CPdfObj* FormTree::topOf(CPdfObj* widget, std::unordered_set<const CPdfObj*>& cl
 void FormTree::visit(Node node, std::vector<Node>& stack) {
     const Dictionary own(node.object->content());
     const std::string_view written = follow(own.find("/T"));
-    if (written.size() > kLongestWritten) {
+    if (written.size() > limits::kFieldNameWritten) {
         ++omitted_;
         return;
     }
@@ -190,45 +190,30 @@ void FormTree::findPages() {
 
 bool FormTree::isLocked(std::string_view name) {
     if (!locksKnown_) readLocks();
-    return std::any_of(locks_.begin(), locks_.end(), [&](const FieldLock& lock) {
-        // A name stands for its field and for all below it.
-        bool named = false;
-        for (std::size_t end = 0; end < name.size() && !named;) {
-            end = std::min(name.find('.', end + 1), name.size());
-            named = lock.names.contains(std::string(name.substr(0, end)));
-        }
-        return lock.all || named != lock.exclude;
-    });
+    return locks_.isLocked(name);
 }
 
+// Everything here may be shared by many signatures, and is read for one.
 void FormTree::readLocks() {
     locksKnown_ = true;
-    std::unordered_set<const CPdfObj*> read;
     for (const FormField& field : fields_) {
         if (field.attributes.type != "/Sig" || field.attributes.value.empty()) continue;
-        addLock(follow(Dictionary(field.object->content()).find("/Lock")));
-        const CPdfObj* const shared = object(field.attributes.value);
-        if (shared != nullptr && !read.insert(shared).second) continue;
-        Lexer tokens(follow(Dictionary(follow(field.attributes.value)).find("/Reference")));
+        locks_.add(follow(Dictionary(field.object->content()).find("/Lock")), *this);
+        const std::string_view signature = follow(field.attributes.value);
+        if (!locks_.firstTime(signature)) continue;
+        const std::string_view references = follow(Dictionary(signature).find("/Reference"));
+        if (!locks_.firstTime(references)) continue;
+        Lexer tokens(references);
         if (tokens.next().kind != TokenKind::ArrayOpen) continue;
         while (const auto element = tokens.nextValue()) {
-            const Dictionary reference(follow(*element));
-            if (reference.find("/TransformMethod") == "/FieldMDP") addLock(follow(reference.find("/TransformParams")));
+            const std::string_view text = follow(*element);
+            if (!locks_.firstTime(text)) continue;
+            const Dictionary reference(text);
+            if (reference.find("/TransformMethod") == "/FieldMDP") {
+                locks_.add(follow(reference.find("/TransformParams")), *this);
+            }
         }
     }
-}
-
-void FormTree::addLock(std::string_view dictionary) {
-    const Dictionary entries(dictionary);
-    const std::string_view action = follow(entries.find("/Action"));
-    if (action.empty() || locks_.size() >= limits::kFieldLocks || !lockTexts_.insert(dictionary.data()).second) return;
-    FieldLock lock{action == "/All", action == "/Exclude", {}};
-    Lexer tokens(follow(entries.find("/Fields")));
-    tokens.next();
-    while (const auto element = tokens.nextValue()) {
-        if (const auto name = stringOf(follow(*element))) lock.names.insert(toUtf8(decodeTextString(*name)));
-    }
-    locks_.push_back(std::move(lock));
 }
 
 }  // namespace varnpdf

@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "forms/FieldLocks.h"
 #include "forms/Font.h"
 #include "support/Limits.h"
 #include "syntax/Dictionary.h"
@@ -72,11 +73,6 @@ private:
         std::size_t field;  // that a widget belongs to, `kNoField` for a field
         int depth;
     };
-    struct FieldLock {
-        bool all = false;
-        bool exclude = false;
-        std::unordered_set<std::string> names;
-    };
     void walk(std::vector<Node> stack);
     void walkWidgetsOutside(const FieldAttributes& defaults);
     [[nodiscard]] CPdfObj* topOf(CPdfObj* widget, std::unordered_set<const CPdfObj*>& climbed) const;
@@ -84,7 +80,6 @@ private:
     [[nodiscard]] std::vector<CPdfObj*> kids(std::string_view array);
     void findPages();
     void readLocks();
-    void addLock(std::string_view dictionary);
 
     CPdf& pdf_;
     Dictionary form_;
@@ -98,8 +93,7 @@ private:
     std::unordered_map<int, int> pages_;                                   // by number of the annotation
     std::vector<int> annotations_;                                         // in the order of the pages
     int omitted_ = 0;
-    std::vector<FieldLock> locks_;
-    std::unordered_set<const char*> lockTexts_;
+    FieldLocks locks_;
     bool locksKnown_ = false;
 };
 

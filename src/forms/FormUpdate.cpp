@@ -112,10 +112,24 @@ struct FormUpdate::Shown {
 };
 
 FormUpdate::FormUpdate(CPdf& pdf, FormTree& tree)
-    : pdf_(pdf),
-      tree_(tree),
-      fontsOfForm_(tree.follow(Dictionary(tree.follow(tree.form().find("/DR"))).find("/Font"))),
-      next_(std::max(pdf.GetLastTrailer()->GetSize(), pdf.get_max_obj_num_from_map() + 1)) {}
+    : pdf_(pdf), tree_(tree), next_(std::max(pdf.GetLastTrailer()->GetSize(), pdf.get_max_obj_num_from_map() + 1)) {
+    const Dictionary fonts(tree.follow(Dictionary(tree.follow(tree.form().find("/DR"))).find("/Font")));
+    for (const Dictionary::Entry& font : fonts.entries()) {
+        fontsOfForm_[nameOf(font.key)] = font.value == "null" ? std::string_view{} : font.value;
+    }
+}
+
+// What widgets and fonts refer to, at the expense of the budget: many may refer to one long object.
+class FormUpdate::Charged : public References {
+public:
+    explicit Charged(FormUpdate& update) : update_(update) {}
+    [[nodiscard]] std::string_view follow(std::string_view value) const override {
+        return referenceOf(value) ? update_.part(value) : value;
+    }
+
+private:
+    FormUpdate& update_;
+};
 
 std::string& FormUpdate::changed(const CPdfObj& object) {
     const auto [text, isNew] = texts_.try_emplace(object.GetObjNum());
@@ -173,7 +187,7 @@ void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32stri
     const Dictionary look(part(own.find("/MK")));
     const Dictionary lines(part(own.find("/BS")));
     Shown shown = styleOf(field, own);
-    shown.style.border = borderWidth(own, lines, tree_);
+    shown.style.border = borderWidth(own, lines, Charged(*this));
 
     shown.old = tree_.object(Dictionary(part(own.find("/AP"))).find("/N"));
     if (shown.old != nullptr) shown.parts = streamParts(shown.old->content(), tree_, budget_);
@@ -202,13 +216,13 @@ void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32stri
     writeAppearance(widget, shown);
 }
 
-std::string_view FormUpdate::fontEntry(std::string_view resources, std::string_view name) const {
-    return Dictionary(tree_.follow(Dictionary(resources).find("/Font"))).find(text('/', name));
+std::string_view FormUpdate::fontEntry(std::string_view resources, std::string_view name) {
+    return Dictionary(part(Dictionary(resources).find("/Font"))).find(text('/', name));
 }
 
 const std::optional<FieldFont>& FormUpdate::fontOf(std::string_view value) {
     const auto [font, isNew] = fonts_.try_emplace(std::string(value));
-    if (isNew) font->second = FieldFont::from(tree_.follow(value), tree_);
+    if (isNew) font->second = FieldFont::from(part(value), Charged(*this));
     return font->second;
 }
 
@@ -227,7 +241,8 @@ void FormUpdate::useFont(Shown& shown, std::string_view entry, std::u32string_vi
 void FormUpdate::chooseFont(Shown& shown, std::string_view resources, std::u32string_view value) {
     std::string& name = shown.style.appearance.font;
     if (!name.empty()) {
-        useFont(shown, fontsOfForm_.find(text('/', name)), value);
+        const auto known = fontsOfForm_.find(nameOf(text('/', name)));
+        if (known != fontsOfForm_.end()) useFont(shown, known->second, value);
         if (shown.font == nullptr) useFont(shown, fontEntry(resources, name), value);
         if (shown.font != nullptr) return;
     }
@@ -299,10 +314,17 @@ void FormUpdate::leaveToViewers(CPdfObj& widget) {
 
 bool FormUpdate::isShared(int appearance) {
     if (!usesKnown_) {
+        std::unordered_map<const CPdfObj*, std::optional<int>> shared;  // dictionaries, each read once
         for (const FormField& field : tree_.fields()) {
             for (const CPdfObj* const widget : field.widgets) {
-                const std::string_view value = tree_.follow(Dictionary(widget->content()).find("/AP"));
-                if (const auto number = referenceOf(Dictionary(value).find("/N"))) ++uses_[*number];
+                const std::string_view value = Dictionary(widget->content()).find("/AP");
+                const CPdfObj* const held = tree_.object(value);
+                const auto known = shared.find(held);
+                const auto number = held != nullptr && known != shared.end()
+                                        ? known->second
+                                        : referenceOf(Dictionary(tree_.follow(value)).find("/N"));
+                if (held != nullptr) shared.emplace(held, number);
+                if (number) ++uses_[*number];
             }
         }
         usesKnown_ = true;

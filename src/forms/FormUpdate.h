@@ -28,13 +28,14 @@ public:
 
 private:
     struct Shown;
+    class Charged;
     void showValue(const FormField& field, CPdfObj& widget, std::u32string_view value);
     [[nodiscard]] Shown styleOf(const FormField& field, const Dictionary& widget);
     void writeObjects();
     [[nodiscard]] std::string_view part(std::string_view value);
     void chooseFont(Shown& shown, std::string_view resources, std::u32string_view value);
     const std::optional<FieldFont>& fontOf(std::string_view value);
-    [[nodiscard]] std::string_view fontEntry(std::string_view resources, std::string_view name) const;
+    [[nodiscard]] std::string_view fontEntry(std::string_view resources, std::string_view name);
     void useFont(Shown& shown, std::string_view entry, std::u32string_view value);
     std::string substituteFont();
     void writeAppearance(CPdfObj& widget, const Shown& shown);
@@ -46,8 +47,8 @@ private:
 
     CPdf& pdf_;
     FormTree& tree_;
-    Dictionary fontsOfForm_;
-    std::map<int, std::string> texts_;  // of changed and new objects, by number
+    std::unordered_map<std::string, std::string_view> fontsOfForm_;  // by name: a form may have as many as fields
+    std::map<int, std::string> texts_;                               // of changed and new objects, by number
     int next_;
     int substitute_ = 0;
     bool needAppearances_ = false;

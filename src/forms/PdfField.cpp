@@ -4,11 +4,13 @@
 
 #include "forms/FieldValue.h"
 #include "forms/TextString.h"
+#include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "support/StagedFile.h"
 #include "syntax/Dictionary.h"
 #include "varnpdf/PdfFields.h"
+#include "varnpdf/result.h"
 
 using namespace varnpdf;
 
@@ -86,8 +88,11 @@ int CPdfField::CheckForChanges() {
 }
 
 void CPdfField::UpdateValues(CFontObj* defaultFont) {
-    std::size_t budget = limits::kAppearanceBytes * kAppearances;
-    updateValues(defaultFont, budget);
+    guarded([&]() -> int {
+        std::size_t budget = limits::kAppearanceBytes * kAppearances;
+        updateValues(defaultFont, budget);
+        return VARNPDF_OK;
+    });
 }
 
 void CPdfField::updateValues(CFontObj* defaultFont, std::size_t& budget) {
@@ -127,10 +132,14 @@ void CPdfFieldContainer::CheckAllForChanges() {
 void CPdfFieldContainer::PutNewValuesToFields() {
     CheckAllForChanges();
     CFontObj* const defaultFont = fonts_ ? fonts_->GetDefaultFont() : nullptr;
-    std::size_t budget = limits::kAppearancesBytes;
-    for (const auto& field : fields_) {
-        if (field->GetIsNew() == 1) field->updateValues(defaultFont, budget);
-    }
+    const int code = guarded([&]() -> int {
+        std::size_t budget = limits::kAppearancesBytes;
+        for (const auto& field : fields_) {
+            if (field->GetIsNew() == 1) field->updateValues(defaultFont, budget);
+        }
+        return VARNPDF_OK;
+    });
+    if (code != VARNPDF_OK) logError(m_logger, "PutNewValuesToFields: kein Speicher");
 }
 
 int CPdfFieldContainer::ReadNewValuesFromIniFile(const char* path) {
@@ -168,13 +177,19 @@ std::string CPdfFieldContainer::dump() {
 }
 
 void CPdfFieldContainer::DumpFieldsToStdOut() {
-    const std::string lines = dump();
-    std::fwrite(lines.data(), 1, lines.size(), stdout);
+    guarded([&]() -> int {
+        const std::string lines = dump();
+        std::fwrite(lines.data(), 1, lines.size(), stdout);
+        return VARNPDF_OK;
+    });
 }
 
 void CPdfFieldContainer::DumpFieldsToFile(const char* path) {
     if (path == nullptr) return;
-    StagedFile file(path);
-    if (file.isOpen()) file.write(dump());
-    if (!file.isOpen() || !file.commit()) logError(m_logger, "DumpFieldsToFile: ", path);
+    const int code = guarded([&]() -> int {
+        StagedFile file(path);
+        if (file.isOpen()) file.write(dump());
+        return file.isOpen() && file.commit() ? VARNPDF_OK : -1;
+    });
+    if (code != VARNPDF_OK) logError(m_logger, "DumpFieldsToFile: ", path);
 }

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "model/DictionaryEntry.h"
+#include "support/Limits.h"
 #include "support/Text.h"
 #include "syntax/Cursor.h"
 #include "varnpdf/PdfFields.h"
@@ -91,7 +92,7 @@ std::unique_ptr<CPdfFontContainer> CAcroFormObj::fontList(std::string_view text)
     constexpr std::string_view kKey = "/Font";
     const std::size_t key = text.find(kKey);
     std::size_t at = key == kNone ? kNone : text.find('/', key + kKey.size());
-    while (at < text.size()) {
+    while (at < text.size() && fonts->GetFontNum() < limits::kFormFonts) {
         const std::size_t end = std::min(text.find_first_of("/>", at), text.size());
         if (const auto font = fontOf(text.substr(at, end - at))) fonts->AddFont(new CFontObj(*font));
         at = end + 1;

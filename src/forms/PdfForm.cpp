@@ -1,7 +1,6 @@
 // CPdfForm: the fields of a document as viewers show them.
 #include "varnpdf/PdfForm.h"
 
-#include <new>
 #include <string>
 #include <unordered_map>
 
@@ -71,7 +70,7 @@ CPdfForm::CPdfForm(CPdf* pdf) {
     if (pdf == nullptr || pdf->GetLastTrailer() == nullptr) return;
     try {
         state_ = std::make_unique<FormState>(*pdf);
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         logError(m_logger, "CPdfForm: kein Speicher");
         return;
     }
@@ -98,7 +97,12 @@ const char* CPdfForm::GetType(int index) {
 const char* CPdfForm::GetValue(int index) {
     const FormField* const field = state_ ? state_->field(index) : nullptr;
     if (field == nullptr || state_->tree.follow(field->attributes.value).empty()) return nullptr;
-    state_->text = shownValue(field->attributes.value, state_->tree).value_or("");
+    try {
+        state_->text = shownValue(field->attributes.value, state_->tree).value_or("");
+    } catch (...) {
+        logError(m_logger, "GetValue: kein Speicher");
+        state_->text.clear();
+    }
     return state_->text.c_str();
 }
 
@@ -131,7 +135,12 @@ int CPdfForm::GetWidgetNum(int index) const {
 int CPdfForm::GetLocked(int index) {
     const FormField* const field = state_ ? state_->field(index) : nullptr;
     if (field == nullptr) return -1;
-    return state_->pdf.get_lockstate() == 1 || state_->tree.isLocked(field->name) ? 1 : 0;
+    try {
+        return state_->pdf.get_lockstate() == 1 || state_->tree.isLocked(field->name) ? 1 : 0;
+    } catch (...) {
+        logError(m_logger, "GetLocked: kein Speicher");
+        return 1;  // what is not known to be free is not to be changed
+    }
 }
 
 int CPdfForm::SetValue(const char* name, const char* value) {

@@ -1,17 +1,28 @@
 // CPdf: reading the text fields of a form and appending the changed ones.
+#include <array>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "forms/FormTree.h"
 #include "model/DictionaryEntry.h"
 #include "model/ObjectTable.h"
+#include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfFields.h"
+#include "varnpdf/result.h"
 
 using namespace varnpdf;
+
+// What the fields of one document share.
+struct varnpdf::FieldReading {
+    CPdfFieldContainer& container;
+    std::unordered_map<std::string_view, CFontObj*> fonts;
+    std::size_t budget;  // of values that stand in objects of their own
+};
 
 namespace {
 
@@ -40,6 +51,17 @@ std::optional<int> appearanceNumber(std::string_view link, std::string_view key)
     return Cursor(reference).takeInt();
 }
 
+using Appearances = std::array<std::optional<int>, CPdfField::kAppearances>;
+
+Appearances appearancesIn(std::string_view link) {
+    return {appearanceNumber(link, "/N"), appearanceNumber(link, "/R"), appearanceNumber(link, "/D")};
+}
+
+// What fields may hold of objects that they share.
+std::size_t sharedBytes(std::size_t document) {
+    return limits::kObjectBytesBase + limits::kObjectBytesPerByte * document;
+}
+
 }  // namespace
 
 CPdfObj* CPdf::GetObjWithFieldsEntry() {
@@ -53,7 +75,20 @@ CPdfObj* CPdf::GetObjWithFieldsEntry() {
 }
 
 CPdfFieldContainer* CPdf::ReadFields() {
-    auto container = std::make_unique<CPdfFieldContainer>();
+    std::unique_ptr<CPdfFieldContainer> container;
+    const int code = guarded([&]() -> int {
+        container = std::make_unique<CPdfFieldContainer>();
+        readFields(*container);
+        return VARNPDF_OK;
+    });
+    if (code != VARNPDF_OK) {
+        logError(m_logger, "ReadFields: kein Speicher");
+        container.reset();
+    }
+    return container.release();
+}
+
+void CPdf::readFields(CPdfFieldContainer& container) {
     if (lastTrailer_) SetObjNum(lastTrailer_->GetSize());
     if (const CPdfObj* const holder = GetObjWithFieldsEntry()) {
         const bool isCatalogue = entryValue(holder->content(), "/Type") == "/Catalog";
@@ -70,22 +105,30 @@ CPdfFieldContainer* CPdf::ReadFields() {
         const std::string fonts = inlined(Dictionary(resources).find("/DR"), "/Font");
         if (!fonts.empty()) setEntry(resources, "/DR", fonts);
         form.setContent(resources);
-        container->SetFontContainer(form.ReadFontContainer());
+        container.SetFontContainer(form.ReadFontContainer());
+    }
+    FieldReading reading{container, {}, sharedBytes(contentLen_)};
+    // The first of each name, as a search would find it.
+    CPdfFontContainer* const fonts = container.GetFontContainer();
+    for (int i = 0; fonts != nullptr && i < fonts->GetFontNum(); ++i) {
+        CFontObj& font = fonts->GetFontObj()[i];
+        reading.fonts.emplace(font.GetShortName(), &font);
     }
     // The last slot is not visited: hosts know the numbers that this gives.
     objects_->forEach(objectCount_ - 2, [&](int slot, CPdfObj& obj) {
-        if (slot > 0 && !obj.content().empty()) readField(obj, *container);
+        if (slot > 0 && !obj.content().empty()) readField(obj, reading);
     });
-    ReadApperanceObjects(container.get());
-    return container.release();
+    ReadApperanceObjects(&container);
 }
 
-void CPdf::readField(CPdfObj& obj, CPdfFieldContainer& container) {
+void CPdf::readField(CPdfObj& obj, FieldReading& reading) {
     const std::string_view text = obj.content();
     const std::string_view name = entryValue(text, "/T");
     if (name.find('(') == std::string_view::npos) return;
     std::string_view value = entryValue(text, "/V");
-    if (const CPdfObj* const held = referencedObject(value)) {
+    const CPdfObj* const held = referencedObject(value);
+    if (held != nullptr && held->content().size() <= reading.budget) {
+        reading.budget -= held->content().size();
         const std::string_view string = objectValue(held->content());
         if (string.starts_with('(')) value = string;
     }
@@ -94,22 +137,33 @@ void CPdf::readField(CPdfObj& obj, CPdfFieldContainer& container) {
     field.setOrgValue(stripBrackets(value, kParentheses));
     field.setAppearanceLink(entryValue(text, "/AP"));
     const std::string font = fontName(entryValue(text, "/DA"));
-    CPdfFontContainer* const fonts = container.GetFontContainer();
-    if (fonts != nullptr) field.SetFont(fonts->GetFontByShortName(font.c_str()));
-    container.AddField(&field);
+    const auto known = reading.fonts.find(font);
+    if (known != reading.fonts.end()) field.SetFont(known->second);
+    reading.container.AddField(&field);
 }
 
 void CPdf::ReadApperanceObjects(CPdfFieldContainer* container) {
     if (container == nullptr) return;
+    const int code = guarded([&]() -> int {
+        readAppearances(*container);
+        return VARNPDF_OK;
+    });
+    if (code != VARNPDF_OK) logError(m_logger, "ReadApperanceObjects: kein Speicher");
+}
+
+void CPdf::readAppearances(CPdfFieldContainer& container) {
     // Fields may share one long stream, and each gets a copy.
-    std::size_t budget = limits::kObjectBytesBase + limits::kObjectBytesPerByte * contentLen_;
-    for (int i = 0; i < container->GetFieldNum(); ++i) {
-        CPdfField& field = *container->GetFields(i);
-        std::string_view link = field.appearanceLink();
-        if (const CPdfObj* const held = link.starts_with("<<") ? nullptr : referencedObject(link))
-            link = held->content();
-        for (const char* const key : {"/N", "/R", "/D"}) {
-            const auto number = appearanceNumber(link, key);
+    std::size_t budget = sharedBytes(contentLen_);
+    std::unordered_map<const CPdfObj*, Appearances> shared;
+    for (int i = 0; i < container.GetFieldNum(); ++i) {
+        CPdfField& field = *container.GetFields(i);
+        const std::string_view link = field.appearanceLink();
+        const CPdfObj* const held = link.starts_with("<<") ? nullptr : referencedObject(link);
+        const auto known = shared.find(held);
+        const Appearances found =
+            known != shared.end() ? known->second : appearancesIn(held != nullptr ? held->content() : link);
+        if (held != nullptr) shared.emplace(held, found);
+        for (const std::optional<int>& number : found) {
             CPdfObj* const stream = number ? objects_->find(*number) : nullptr;
             if (stream == nullptr || stream->content().empty() ||
                 field.GetAppearanceCount() >= CPdfField::kAppearances) {
@@ -128,9 +182,13 @@ void CPdf::ReadApperanceObjects(CPdfFieldContainer* container) {
 
 int CPdf::AppendObjects(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer* container) {
     if (container == nullptr) return 0;
+    return guarded([&]() -> int { return appendFields(trailer, xrefs, *container); });
+}
+
+int CPdf::appendFields(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer& container) {
     std::unordered_set<int> written;
-    for (int i = 0; i < container->GetFieldNum(); ++i) {
-        CPdfField& field = *container->GetFields(i);
+    for (int i = 0; i < container.GetFieldNum(); ++i) {
+        CPdfField& field = *container.GetFields(i);
         if (field.GetIsNew() != 1) continue;
         WriteTextAnnotation(trailer, xrefs, field.GetOrgObj());
         for (int k = 0; k < field.GetAppearanceCount(); ++k) {
@@ -140,5 +198,5 @@ int CPdf::AppendObjects(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFiel
             }
         }
     }
-    return container->GetFieldNum();
+    return container.GetFieldNum();
 }

@@ -1,6 +1,7 @@
 // CPdfDoc: a time stamp's authority and date in the fields of a form.
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <string>
 #include <unordered_map>
 
@@ -59,6 +60,7 @@ int CPdfDoc::MergePKCS7PDF(CPdf* doc, char* authority, char* date) {
         logDebug(m_logger, "### MergePKCS7PDF START");
         const std::string day = dayMonthYear(date == nullptr ? "" : date);
         const std::unique_ptr<CPdfFieldContainer> container(doc == nullptr ? nullptr : doc->ReadFields());
+        if (doc != nullptr && !container) throw std::bad_alloc();
         if (!container || container->GetFieldNum() == 0) {
             logDebug(m_logger, "### MergePKCS7PDF ABBRUCH (keine Felder)");
             return VARNPDF_NO_FORM_FIELDS;

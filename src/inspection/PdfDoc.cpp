@@ -77,6 +77,7 @@ int readRoom(const char* file, int index, int emptyCode, std::string& digits) {
     if (const int code = readByteRange(file, index, range, documentLength); code != VARNPDF_OK) return code;
     if (range.isEmptyRoom()) return emptyCode;
     digits.resize(range.digitCount(documentLength));
+    if (digits.empty()) return VARNPDF_OK;  // no such place, and so no value in it
     return Reopened(file).read(range.length0 + 1, digits.data(), digits.size()) ? VARNPDF_OK : VARNPDF_REOPEN_FAILED;
 }
 

@@ -69,6 +69,7 @@ int c_pdf_dss::append_dss(char* input, char* output, pdf_dss_struct* records, in
     file.write(old);
     file.write(store.tail());
     if (!file.commit()) return failed(VARNPDF_DSS_OUTPUT_FAILED);
+    logDebug(m_logger, "crossref ende");
     logDebug(m_logger, "Beende append_dss");
     return VARNPDF_OK;
 } catch (const std::exception& error) {

@@ -204,7 +204,6 @@ int SecurityStore::closeSection() {
     trailer.SetSize(std::max(trailer.GetSize(), next_));
     trailer.UpdateId(true);
     append(tail_, crossReferenceTable(xrefs), trailerText(trailer, section));
-    logDebug(logger_, "crossref ende");
     return VARNPDF_OK;
 }
 
@@ -230,7 +229,6 @@ int SecurityStore::closeWithStream(CPdfXRefContainer& xrefs, std::size_t section
     }
     logDebug(logger_, "Stream gepackt");
     append(tail_, *stream);
-    logDebug(logger_, "crossref ende");
     return VARNPDF_OK;
 }
 

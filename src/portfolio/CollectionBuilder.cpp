@@ -131,9 +131,10 @@ int CollectionBuilder::addStream(const CPdfCollectionListItem& item) {
 }
 
 // Files of several directories may have one name.
-std::string CollectionBuilder::uniqueKey(const std::string& name) const {
+std::string CollectionBuilder::uniqueKey(const std::string& name) {
     std::string key = textString(name);
-    for (int i = 2; files_.contains(key); ++i) key = textString(text(name, " (", i, ')'));
+    int& copies = copies_.try_emplace(name, 1).first->second;
+    while (files_.contains(key)) key = textString(text(name, " (", ++copies, ')'));
     return key;
 }
 

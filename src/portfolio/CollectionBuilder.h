@@ -25,7 +25,7 @@ private:
     int addFiles();
     int addFile(const CPdfCollectionListItem& item);
     int addStream(const CPdfCollectionListItem& item);
-    std::string uniqueKey(const std::string& name) const;
+    std::string uniqueKey(const std::string& name);
     int addNames();
     int addCover();
     int copyCover(CPdf& source);
@@ -38,8 +38,9 @@ private:
     const Items& items_;
     const ClassLogger& logger_;
     CPdf target_;
-    std::map<std::string, int> files_;  // file specifications by key: a name tree is sorted
-    std::string initial_;               // key of the active file
+    std::map<std::string, int> files_;   // file specifications by key: a name tree is sorted
+    std::map<std::string, int> copies_;  // files of one name
+    std::string initial_;                // key of the active file
     int names_ = 0;
     int page_ = 0;
     int pages_ = 0;

@@ -10,7 +10,10 @@
 namespace varnpdf {
 
 ObjectCopier::ObjectCopier(CPdf& source, CPdf& target, const ClassLogger& logger)
-    : source_(source), target_(target), logger_(logger) {
+    : source_(source),
+      target_(target),
+      logger_(logger),
+      dataRoom_(limits::kCopiedBytesPerByte * source.GetContentLen()) {
     for (int i = 0; i < target.GetListItemCount(); ++i) {
         const CPdfObjTransferListItem& item = *target.GetListItem(i);
         numbers_.try_emplace(item.getOldObjNr(), item.getNewObjNr());
@@ -56,7 +59,14 @@ int ObjectCopier::newNumber(int number) {
 
 void ObjectCopier::enter(int number, int copy) {
     logDebug(logger_, "CopyOldObjToNew START");
-    const ObjectParts parts = partsOf(source_, *source_.get_pdf_obj_from_map(number));
+    ObjectParts parts = partsOf(source_, *source_.get_pdf_obj_from_map(number));
+    const std::size_t dataBytes = parts.data ? parts.data->size() : 0;
+    if (dataBytes > dataRoom_) {
+        logError(logger_, "Streams überlappen sich, Objekt wird nicht kopiert: ", number);
+        parts = {};
+    } else {
+        dataRoom_ -= dataBytes;
+    }
     frames_.push_back(Frame{copy - 1, parts, Lexer(parts.body)});
 }
 

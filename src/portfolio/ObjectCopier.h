@@ -61,6 +61,7 @@ private:
     std::unordered_map<int, int> numbers_;
     std::vector<Frame> frames_;  // a stack of our own: no call nests, however long a chain of references is
     std::string value_;
+    std::size_t dataRoom_;  // bytes of streams that may still be copied
 };
 
 /// The kind of a value as `readObject` numbers it; references are followed.

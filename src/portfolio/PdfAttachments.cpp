@@ -1,6 +1,5 @@
 // CPdfAttachments: the embedded files of a document.
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <set>
@@ -55,7 +54,11 @@ struct CPdfAttachments::List {
         const CPdfObj* stream;
     };
 
-    explicit List(CPdf& document) : pdf(document) {}
+    explicit List(CPdf& document)
+        : pdf(document),
+          room(limits::kAttachmentBytesBase + limits::kAttachmentBytesPerByte * document.GetContentLen()) {}
+    void spend(std::size_t bytes) { room -= std::min(room, bytes); }
+    std::string_view value(std::string_view text);
     void readTree();
     void readLeaf(std::string_view names);
     void readAnnotations();
@@ -66,25 +69,35 @@ struct CPdfAttachments::List {
     }
 
     CPdf& pdf;
+    std::size_t room;  // bytes that may still be gone through; at 0 the list ends
     std::vector<File> files;
     std::set<const CPdfObj*> listed;
     int unpackedIndex = -1;
     std::string unpacked;  // of the file asked for last: the two calls for it inflate once
 };
 
+// `resolved`, as long as there is room: many nodes may lead to one large object.
+std::string_view CPdfAttachments::List::value(std::string_view text) {
+    if (room == 0) return {};
+    if (const CPdfObj* const object = referenced(pdf, text)) spend(object->content().size());
+    const std::string_view found = resolved(pdf, text);
+    spend(found.size());
+    return found;
+}
+
 // Depth first, left to right; a node met before ends its branch.
 void CPdfAttachments::List::readTree() {
-    const std::string_view names = resolved(pdf, valueOf(resolved(pdf, pdf.GetLastTrailer()->root()), "/Names"));
+    const std::string_view names = value(valueOf(value(pdf.GetLastTrailer()->root()), "/Names"));
     std::vector<std::string_view> nodes{valueOf(names, "/EmbeddedFiles")};
     std::set<const CPdfObj*> seen;
     for (std::size_t visited = 0; !nodes.empty() && visited < limits::kTreeReferences; ++visited) {
-        const std::string_view value = nodes.back();
+        const std::string_view next = nodes.back();
         nodes.pop_back();
-        const CPdfObj* const object = referenced(pdf, value);
+        const CPdfObj* const object = referenced(pdf, next);
         if (object != nullptr && !seen.insert(object).second) continue;
-        const std::string_view node = resolved(pdf, value);
-        readLeaf(resolved(pdf, valueOf(node, "/Names")));
-        const std::string_view kids = resolved(pdf, valueOf(node, "/Kids"));
+        const std::string_view node = value(next);
+        readLeaf(value(valueOf(node, "/Names")));
+        const std::string_view kids = value(valueOf(node, "/Kids"));
         Lexer lexer(kids);
         if (lexer.next().kind != TokenKind::ArrayOpen) continue;
         const auto first = static_cast<std::ptrdiff_t>(nodes.size());
@@ -102,7 +115,7 @@ void CPdfAttachments::List::readLeaf(std::string_view names) {
         const auto key = lexer.nextValue();
         const auto spec = key ? lexer.nextValue() : std::nullopt;
         if (!spec || files.size() == limits::kTreeReferences) return;
-        add(stringOf(resolved(pdf, *key)).value_or(""), *spec);
+        add(stringOf(value(*key)).value_or(""), *spec);
     }
 }
 
@@ -112,8 +125,8 @@ void CPdfAttachments::List::readAnnotations() {
     while (const CPdfObj* const object = pdf.search_map_by_value(slot)) {
         const std::string_view text = object->content();
         if (text.find(kSubtype) != std::string_view::npos && valueOf(text, "/Subtype") == kSubtype) {
-            const std::string_view spec = resolved(pdf, valueOf(text, "/FS"));
-            const std::string_view file = resolved(pdf, valueOf(spec, "/EF"));
+            const std::string_view spec = value(valueOf(text, "/FS"));
+            const std::string_view file = value(valueOf(spec, "/EF"));
             const bool isNew = std::ranges::none_of(kSystems, [&](std::string_view key) {
                 const CPdfObj* const stream = referenced(pdf, valueOf(file, key));
                 return stream != nullptr && listed.contains(stream);
@@ -126,22 +139,31 @@ void CPdfAttachments::List::readAnnotations() {
 }
 
 void CPdfAttachments::List::add(std::string key, std::string_view spec) {
-    spec = resolved(pdf, spec);
-    const std::string_view embedded = resolved(pdf, valueOf(spec, "/EF"));
+    spec = value(spec);
+    const std::string_view embedded = value(valueOf(spec, "/EF"));
     const CPdfObj* stream = nullptr;
     for (const std::string_view system : kSystems) {
         if (stream == nullptr) stream = referenced(pdf, valueOf(embedded, system));
     }
     if (!spec.starts_with("<<")) return;
+    // What the list is asked for later.
+    for (const std::string_view system : kSystems) value(valueOf(spec, system));
+    value(valueOf(spec, "/Desc"));
+    if (stream != nullptr) spend(stream->content().size());
+    if (room == 0) return;
     if (stream != nullptr) listed.insert(stream);
     files.push_back({std::move(key), spec, stream});
 }
 
 CPdfAttachments::CPdfAttachments(CPdf* pdf) {
     if (pdf == nullptr || pdf->GetLastTrailer() == nullptr) return;
-    list_ = std::make_unique<List>(*pdf);
-    list_->readTree();
-    list_->readAnnotations();
+    try {
+        list_ = std::make_unique<List>(*pdf);
+        list_->readTree();
+        list_->readAnnotations();
+    } catch (...) {
+        list_.reset();
+    }
 }
 
 CPdfAttachments::~CPdfAttachments() = default;
@@ -194,10 +216,10 @@ int CPdfAttachments::GetContent(int index, unsigned char* buffer, unsigned long*
             list_->unpacked = std::move(*bytes);
             list_->unpackedIndex = index;
         }
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         return VARNPDF_EMBEDDED_FILE_UNREADABLE;
     }
     *length = list_->unpacked.size();
-    if (buffer != nullptr) std::memcpy(buffer, list_->unpacked.data(), list_->unpacked.size());
+    if (buffer != nullptr) list_->unpacked.copy(reinterpret_cast<char*>(buffer), list_->unpacked.size());
     return VARNPDF_OK;
 }

@@ -89,8 +89,12 @@ int CPdfCollection::CreateCollection(char* path, std::list<CPdfCollectionListIte
 
 int CPdfCollection::CopyOldObjToNew(int objectNumber, CPdf* source, CPdf* target) {
     if (source == nullptr || target == nullptr) return VARNPDF_UPDATE_OBJECT_MISSING;
-    const int copy = ObjectCopier(*source, *target, m_logger).copy(objectNumber);
-    return copy > 0 ? copy : VARNPDF_UPDATE_OBJECT_MISSING;
+    try {
+        const int copy = ObjectCopier(*source, *target, m_logger).copy(objectNumber);
+        return copy > 0 ? copy : VARNPDF_UPDATE_OBJECT_MISSING;
+    } catch (...) {
+        return VARNPDF_PDF_MEMORY_ALLOCATION;
+    }
 }
 
 std::string CPdfCollection::AppendToNamesArray(std::string array, std::string key, std::string reference) {
@@ -121,5 +125,9 @@ int CPdfCollection::StripRealContent(char* text, int len, char* out, int* outLen
 
 int CPdfCollection::ExamineValue(std::string value, CPdf* source) {
     if (source == nullptr) return 0;
-    return valueKind(*source, value);
+    try {
+        return valueKind(*source, value);
+    } catch (...) {
+        return 0;
+    }
 }

@@ -33,8 +33,8 @@ inline constexpr std::size_t kImageSide = 1'000'000;
 inline constexpr std::size_t kImagePixels = std::size_t{1} << 28U;
 /// Largest piece of a TIFF page that is held decoded at a time, and largest block that libtiff may allocate.
 inline constexpr std::size_t kImagePieceBytes = std::size_t{256} << 20U;
-/// Samples of all pages of a TIFF together, for black and white the bits: one page of the largest size, and as much as
-/// deflate can unfold from the file.
+/// What must be gone through for all pages of a TIFF together - samples, for black and white bits, what is decoded and
+/// what is read for it: one page of the largest size, and as much as deflate can unfold from the file.
 inline constexpr std::size_t kImageBytesBase = 3 * kImagePixels;
 inline constexpr std::size_t kImageBytesPerByte = 4'000;
 /// Levels of the field tree, and the length of a field's full name in bytes: far beyond what any form has.
@@ -42,10 +42,20 @@ inline constexpr int kFieldDepth = 64;
 inline constexpr std::size_t kFieldNameBytes = 32'767;
 /// What all full names of a form may take together.
 inline constexpr std::size_t kFieldNamesBytes = std::size_t{64} << 20U;
-/// Signatures whose field locks are honoured.
+/// Length of one partial name as it is written, escapes included.
+inline constexpr std::size_t kFieldNameWritten = 4 * kFieldNameBytes;
+/// Field locks that are honoured, and partial names in all of them; with more of these everything is locked.
 inline constexpr std::size_t kFieldLocks = 1000;
+inline constexpr std::size_t kFieldLockNames = 500'000;
+/// Fonts that are listed of a form.
+inline constexpr int kFormFonts = 100'000;
 /// Longest content of an appearance whose text is replaced, and what all of them may inflate to together.
 inline constexpr std::size_t kAppearanceBytes = std::size_t{4} << 20U;
 inline constexpr std::size_t kAppearancesBytes = std::size_t{256} << 20U;
+/// What is gone through to list the embedded files: many names may lead to one large object.
+inline constexpr std::size_t kAttachmentBytesBase = std::size_t{16} << 20U;
+inline constexpr std::size_t kAttachmentBytesPerByte = 16;
+/// Stream data copied from a document; objects whose streams overlap could multiply it.
+inline constexpr std::size_t kCopiedBytesPerByte = 4;
 
 }  // namespace varnpdf::limits

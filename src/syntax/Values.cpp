@@ -12,6 +12,7 @@ namespace varnpdf {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::size_t kMostNumbers = 256;  // the widths of a simple font; no other array here has more
 constexpr std::string_view kNameEnds("\0\t\n\f\r ()<>[]{}/%", 16);
 
 // What a backslash in front of text[at] stands for; `at` moves behind it.
@@ -105,7 +106,10 @@ std::vector<double> numbersOf(std::string_view array) {
     std::vector<double> out;
     Lexer lexer(array);
     if (lexer.next().kind != TokenKind::ArrayOpen) return out;
-    while (const auto number = numberOf(lexer.next().text)) out.push_back(*number);
+    while (const auto number = numberOf(lexer.next().text)) {
+        if (out.size() == kMostNumbers) break;
+        out.push_back(*number);
+    }
     return out;
 }
 

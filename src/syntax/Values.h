@@ -15,7 +15,7 @@ std::string nameOf(std::string_view value);
 std::optional<std::string> stringOf(std::string_view value);
 /// A number, whatever the locale.
 std::optional<double> numberOf(std::string_view value);
-/// The numbers at the start of an array.
+/// The numbers at the start of an array, at most 256.
 std::vector<double> numbersOf(std::string_view array);
 /// The number of the object that a reference names.
 std::optional<int> referenceOf(std::string_view value);

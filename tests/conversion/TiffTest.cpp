@@ -284,7 +284,7 @@ void addDirectory(TIFF* tif, const Kind& kind, const std::function<void(TIFF*)>&
 
 std::string makeTiff(const WorkDirectory& work, const Kind& kind, int pages = 1,
                      const std::function<void(TIFF*)>& more = {}, const char* mode = "wl") {
-    const std::string path = work.at("in.tif");
+    std::string path = work.at("in.tif");
     TIFF* const tif = TIFFOpen(path.c_str(), mode);
     for (int i = 0; i < pages; ++i) addDirectory(tif, kind, more);
     TIFFClose(tif);
@@ -426,6 +426,7 @@ TEST(Tiff, DamageIsRefusedAndLoopsEnd) {
 }
 
 constexpr const char* kTooLarge = ": a page has no size, or the pages are too large";
+constexpr const char* kOverlap = ": a directory cannot be read, or the directories overlap";
 
 TEST(Tiff, SizesAreBounded) {
     char strip[] = "z";
@@ -467,6 +468,103 @@ TEST(Tiff, PagesTogetherAreBounded) {
         const LogCapture log("VarnPDF.VarnImage");
         EXPECT_EQ(convert(work.at("in.tif"), work.at("out.pdf")), -601);  // the data is none in either case
         EXPECT_EQ(log.has(work.at("in.tif") + kTooLarge), pages == 6);
+    }
+}
+
+struct Entry {
+    std::uint16_t tag;
+    std::uint16_t type;
+    std::uint32_t count;
+    std::uint32_t value;
+};
+
+std::string littleEndian(std::uint32_t number, int bytes) {
+    std::string out;
+    for (int i = 0; i < bytes; ++i) out.push_back(static_cast<char>(number >> (8 * i) & 255U));
+    return out;
+}
+
+// `data` bytes at offset 8, and directories of one kind behind them: all share them.
+std::string sharingTiff(const std::vector<Entry>& entries, unsigned pages, std::uint32_t data) {
+    std::string out = "II*" + std::string(1, '\0') + littleEndian(8 + data, 4) + std::string(data, 'z');
+    for (unsigned page = 1; page <= pages; ++page) {
+        out += littleEndian(static_cast<std::uint32_t>(entries.size()), 2);
+        for (const Entry& entry : entries) {
+            out += littleEndian(entry.tag, 2) + littleEndian(entry.type, 2) + littleEndian(entry.count, 4);
+            out += littleEndian(entry.value, 4);
+        }
+        out += littleEndian(page < pages ? static_cast<std::uint32_t>(out.size()) + 4 : 0, 4);
+    }
+    return out;
+}
+
+// Small files that ask for much by naming the same bytes again and again.
+TEST(Tiff, SharedBytesAreBounded) {
+    constexpr std::uint32_t kLong = 1'000'000;
+    const auto grey = [](std::uint32_t width, std::uint32_t height, Entry last, std::uint32_t counts = 8) {
+        const std::uint32_t strips = last.tag == TIFFTAG_ROWSPERSTRIP ? height / last.value : 1;
+        const std::uint32_t listed = std::min(strips, 20U);  // libtiff makes up the rest
+        return std::vector<Entry>{{TIFFTAG_IMAGEWIDTH, 4, 1, width},
+                                  {TIFFTAG_IMAGELENGTH, 4, 1, height},
+                                  {TIFFTAG_BITSPERSAMPLE, 3, 1, 8},
+                                  {TIFFTAG_COMPRESSION, 3, 1, COMPRESSION_ADOBE_DEFLATE},
+                                  {TIFFTAG_PHOTOMETRIC, 3, 1, PHOTOMETRIC_MINISBLACK},
+                                  {TIFFTAG_STRIPOFFSETS, 4, listed, 8},
+                                  last,
+                                  {TIFFTAG_STRIPBYTECOUNTS, 4, listed, counts}};
+    };
+    std::vector<Entry> tile = grey(1, 1, {TIFFTAG_TILEWIDTH, 4, 1, 16'000});
+    tile.erase(tile.begin() + 5);
+    tile.insert(tile.end() - 1, {{TIFFTAG_TILELENGTH, 4, 1, 16'000}, {TIFFTAG_TILEOFFSETS, 4, 1, 8}});
+    tile.back().tag = TIFFTAG_TILEBYTECOUNTS;
+    std::vector<Entry> palette = grey(16'384, 16'384, {TIFFTAG_ROWSPERSTRIP, 4, 1, 16'384});
+    palette[2].value = 1;
+    palette[4].value = PHOTOMETRIC_PALETTE;
+    palette.push_back({TIFFTAG_COLORMAP, 3, 6, 8});
+    std::vector<Entry> profile = grey(1, 1, {TIFFTAG_ROWSPERSTRIP, 4, 1, 1});
+    profile.push_back({TIFFTAG_ICCPROFILE, 7, kLong, 8});
+    const struct {
+        const char* name;
+        std::string bytes;
+    } kinds[] = {
+        {"samples that are not shown", sharingTiff(grey(4000, 4, {TIFFTAG_SAMPLESPERPIXEL, 3, 1, 65'000}), 1, 100)},
+        {"strips of one byte", sharingTiff(grey(1, 1'000'000, {TIFFTAG_ROWSPERSTRIP, 4, 1, 1}), 1, 100)},
+        {"bytes of strips", sharingTiff(grey(1, 1, {TIFFTAG_ROWSPERSTRIP, 4, 1, 1}, kLong), 300, kLong)},
+        {"tiles of one pixel", sharingTiff(tile, 4, 100)},
+        {"one bit to a palette", sharingTiff(palette, 2, 100)},
+        {"values", sharingTiff(profile, 100, kLong)},
+    };
+    for (const auto& kind : kinds) {
+        const WorkDirectory work;
+        const LogCapture log("VarnPDF.VarnImage");
+        EXPECT_EQ(convert(work.write("in.tif", kind.bytes), work.at("out.pdf")), -601) << kind.name;
+        EXPECT_TRUE(log.has(work.at("in.tif") + kTooLarge) || log.has(work.at("in.tif") + kOverlap)) << kind.name;
+    }
+}
+
+// Each directory begins twelve bytes, the length of an entry, behind the one before it.
+TEST(Tiff, DirectoriesDoNotOverlap) {
+    constexpr std::uint32_t kEntries = 100;
+    constexpr std::uint16_t kTags[][2] = {
+        {TIFFTAG_IMAGEWIDTH, 1},  {TIFFTAG_IMAGELENGTH, 1},  {TIFFTAG_BITSPERSAMPLE, 8}, {TIFFTAG_COMPRESSION, 1},
+        {TIFFTAG_PHOTOMETRIC, 1}, {TIFFTAG_STRIPOFFSETS, 8}, {TIFFTAG_ROWSPERSTRIP, 1},  {TIFFTAG_STRIPBYTECOUNTS, 1}};
+    for (const std::uint32_t directories : {1U, 50U}) {
+        std::string bytes = "II*" + std::string(1, '\0') + littleEndian(10, 4) + std::string(2, '\0');
+        for (std::uint32_t unit = 0; unit < kEntries + directories; ++unit) {
+            bytes += littleEndian(kEntries, 2);
+            if (unit >= kEntries) {
+                const std::uint32_t next = unit - kEntries + 1;
+                bytes += littleEndian(next < directories ? 10 + 12 * next : 0, 4) + std::string(6, '\0');
+                continue;
+            }
+            const auto& tag = kTags[std::min<std::size_t>(unit > 60 ? unit - 60 : 0, std::size(kTags) - 1)];
+            bytes += littleEndian(tag[0], 2) + littleEndian(3, 2) + littleEndian(1, 4) + littleEndian(tag[1], 2);
+        }
+        const WorkDirectory work;
+        const LogCapture log("VarnPDF.VarnImage");
+        const int code = convert(work.write("in.tif", bytes), work.at("out.pdf"));
+        EXPECT_EQ(code, directories == 1 ? 0 : -601);
+        EXPECT_EQ(log.has(work.at("in.tif") + kOverlap), directories > 1);
     }
 }
 

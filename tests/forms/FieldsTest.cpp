@@ -189,6 +189,26 @@ TEST(Fields, ManyFieldsTakeLinearTime) {
     EXPECT_EQ(OpenedPdf(streamOf(opened.pdf)).code, 0);
 }
 
+TEST(Fields, SharedObjectsAreReadOnce) {
+    constexpr int kMany = 5'000;
+    std::string fonts;
+    for (int i = 0; i < 100'000; ++i) fonts += "/a 4 0 R";
+    PdfBuilder pdf = formDocument("", "", "/DR<</Font<<" + fonts + "/Late 4 0 R>>>>");
+    pdf.object(5, "(" + std::string(1'000'000, 'x') + ")");
+    std::string keys;
+    for (int i = 0; i < 500'000; ++i) keys += "/q";
+    pdf.object(6, "<</X(" + keys + ")>>");
+    for (int i = 0; i < kMany; ++i) pdf.object(10 + i, "<</FT/Tx/T(a)/V 5 0 R/AP 6 0 R/DA(/a 0 Tf)>>");
+    OpenedPdf opened(pdf.table().bytes());
+    const Container container(opened.pdf.ReadFields());
+    ASSERT_EQ(container->GetFieldNum(), kMany - 1);
+    EXPECT_EQ(container->GetFields(0)->orgValue().size(), 1'000'000);
+    EXPECT_EQ(container->GetFields(0)->GetFont(), container->GetFontContainer()->GetFontObj());
+    std::size_t bytes = 0;
+    for (int i = 0; i < container->GetFieldNum(); ++i) bytes += container->GetFields(i)->orgValue().size();
+    EXPECT_LT(bytes, 200'000'000);
+}
+
 TEST(Merge, StampFieldsGetDateAndAuthority) {
     PdfBuilder pdf = formDocument("5 0 R 6 0 R", "7 0 R 6 0 R");
     pdf.object(5, "<< /FT /Tx /T (stampDate) /Ff 1 /Kids [7 0 R] >>");

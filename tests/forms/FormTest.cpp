@@ -180,6 +180,34 @@ TEST(Form, RefusesWhatMustNotChange) {
     EXPECT_EQ(excluded.code, VARNPDF_FIELD_LOCKED);
 }
 
+TEST(Form, LocksThatShareNamesAreReadOnce) {
+    constexpr int kMany = 500;
+    std::string dots;
+    for (int i = 0; i < 15'000; ++i) dots += "a.";
+    std::string names;
+    for (int i = 0; i < 100'000; ++i) names += "(n" + std::to_string(i) + ")";
+    std::string signatures;
+    for (int i = 0; i < kMany; ++i) signatures += " " + std::to_string(20 + i) + " 0 R";
+    PdfBuilder pdf = formDocument("5 0 R 6 0 R 7 0 R 8 0 R" + signatures, "");
+    pdf.object(5, "<</FT/Tx/T(" + dots + ")>>").object(6, "<</FT/Tx/T(n7.b)>>").object(7, "<</FT/Tx/T(n7b)>>");
+    pdf.object(8, "<</FT/Tx/T(q1)>>").object(9, "[" + names + "]");
+    for (int i = 0; i < kMany; ++i) {
+        const std::string lock = i % 2 == 0 ? "9 0 R" : "[(q" + std::to_string(i) + ")]";
+        pdf.object(20 + i, "<</FT/Sig/T(s)/V<</X 1>>/Lock<</Action/Include/Fields " + lock + ">>>>");
+    }
+    OpenedPdf opened(pdf.table().bytes());
+    CPdfForm form(&opened.pdf);
+    const int locked[] = {0, 1, 0, 1};
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(form.GetLocked(i), locked[i]) << i;
+    // Of two locks that leave out some names each, what both leave out stays free.
+    pdf.object(20, "<</FT/Sig/T(s)/V<</X 1>>/Lock<</Action/Exclude/Fields[(x)(n7b)]>>>>");
+    pdf.object(21, "<</FT/Sig/T(s)/V<</X 1>>/Lock<</Action/Exclude/Fields[(n7b)(n7)(n7b)]>>>>");
+    OpenedPdf excluding(pdf.table().bytes());
+    CPdfForm others(&excluding.pdf);
+    const int lockedThen[] = {1, 1, 0, 1};
+    for (int i = 0; i < 4; ++i) EXPECT_EQ(others.GetLocked(i), lockedThen[i]) << i;
+}
+
 TEST(Form, HostileTreesCostNoMoreThanTheirBytes) {
     constexpr int kMany = 10'000;
     std::string all;

@@ -319,6 +319,32 @@ TEST(Attach, DocumentsOfEveryKind) {
     }
 }
 
+// Listing takes time with the length of the document, not with its square.
+TEST(Attachments, SharedObjectsEndTheList) {
+    constexpr int kMany = 20'000;
+    std::string junk;
+    for (int i = 0; i < 20'000; ++i) junk += "/A 1 ";
+    std::string pairs;
+    std::string kids;
+    for (int i = 0; i < kMany; ++i) {
+        varnpdf::append(pairs, '(', i, ") 5 0 R ");
+        varnpdf::append(kids, 6 + i, " 0 R ");
+    }
+    PdfBuilder specs = withCatalogue("/Names << /EmbeddedFiles 4 0 R >>");
+    specs.object(4, "<< /Names [" + pairs + "] >>").object(5, "<< /F (a) " + junk + ">>");
+    PdfBuilder leaves = withCatalogue("/Names << /EmbeddedFiles 4 0 R >>");
+    leaves.object(4, "<< /Kids [" + kids + "] >>").object(5, "[(a) << /F (a) >> " + junk + "]");
+    for (int i = 0; i < kMany; ++i) leaves.object(6 + i, "<< /Names 5 0 R >>");
+    for (PdfBuilder* const document : {&specs, &leaves}) {
+        const Directory directory;
+        CPdf pdf;
+        ASSERT_EQ(pdf.Open(directory.file("d.pdf", document->table().bytes()).c_str(), "rb"), 0);
+        const int count = CPdfAttachments(&pdf).GetCount();
+        EXPECT_GT(count, 10);
+        EXPECT_LT(count, 1000);
+    }
+}
+
 TEST(Attachments, OfOtherMakers) {
     const std::string packed = deflated("content");
     const struct {

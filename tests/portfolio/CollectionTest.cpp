@@ -221,6 +221,32 @@ TEST(Collection, CopiesHostileSources) {
     EXPECT_EQ(CPdfCollection().CopyOldObjToNew(2, nullptr, &target), VARNPDF_UPDATE_OBJECT_MISSING);
 }
 
+// Each stream's /Length leads to the end of the last one.
+TEST(Collection, OverlappingStreamsAreNotMultiplied) {
+    constexpr int kStreams = 100;
+    std::string references;
+    for (int i = 0; i < kStreams; ++i) varnpdf::append(references, 4 + i, " 0 R ");
+    PdfBuilder builder = document();
+    builder.object(2, "<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
+    builder.object(3, "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9] /Streams [" + references + "] >>");
+    const std::string data(100'000, 'x');
+    for (int i = 0; i < kStreams; ++i) {
+        const bool last = i + 1 == kStreams;
+        builder.object(4 + i, "<< /Length 0000000 >>\nstream\n" + (last ? data : "") + "\nendstream");
+    }
+    std::string bytes = builder.table().bytes();
+    const std::size_t end = bytes.rfind("\nendstream");
+    for (std::size_t at = 0; (at = bytes.find("0000000 >>\nstream\n", at)) != std::string::npos;) {
+        const std::string length = std::to_string(end - (at + 18));
+        bytes.replace(at + 7 - length.size(), length.size(), length);
+    }
+    const TempFile pdf(bytes);
+    const TempFile out;
+    ASSERT_EQ(create(out.path(), {{pdf.path(), 1, true}}), 0);
+    EXPECT_LT(std::filesystem::file_size(out.path()), 6 * bytes.size());
+    EXPECT_GT(std::filesystem::file_size(out.path()), 2 * bytes.size());
+}
+
 TEST(Collection, SmallOperations) {
     CPdfCollection collection;
     const std::string one = collection.AppendToNamesArray("", "a.pdf", "7");
