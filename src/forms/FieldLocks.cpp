@@ -5,6 +5,9 @@
 
 #include "forms/TextString.h"
 #include "support/Limits.h"
+#include "syntax/Dictionary.h"
+#include "syntax/Lexer.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
@@ -21,7 +24,7 @@ std::string_view takePartial(std::string_view& name) {
 void FieldLocks::add(std::string_view dictionary, const References& references) {
     if (all_ || dictionary.empty() || !firstTime(dictionary)) return;
     const Dictionary entries(dictionary);
-    const std::string_view action = references.follow(entries.find("Action"));
+    const std::string_view action = references.follow(entries.find("/Action"));
     if (action.empty() || locks_ >= limits::kFieldLocks) return;
     ++locks_;
     if (action == "/All") {
@@ -29,11 +32,11 @@ void FieldLocks::add(std::string_view dictionary, const References& references) 
         return;
     }
     const bool excludes = action == "/Exclude";
-    const std::string_view fields = references.follow(entries.find("Fields"));
+    const std::string_view fields = references.follow(entries.find("/Fields"));
     // The same names once more say nothing new.
     if (!fields.empty() && !names_[excludes ? 1 : 0].insert(fields.data()).second) return;
     const std::size_t lock = excludes ? excluding_++ : 0;
-    Tokens tokens(fields);
+    Lexer tokens(fields);
     tokens.next();
     while (const auto element = tokens.nextValue()) {
         const std::string_view written = references.follow(*element);

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "forms/Dictionary.h"
 #include "forms/Font.h"
+#include "syntax/Dictionary.h"
 
 namespace varnpdf {
 

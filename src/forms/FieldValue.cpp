@@ -5,11 +5,12 @@
 #include <cmath>
 
 #include "forms/AppearanceContent.h"
-#include "forms/Dictionary.h"
 #include "forms/TextString.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Text.h"
+#include "syntax/Dictionary.h"
+#include "syntax/Values.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/result.h"
 
@@ -33,7 +34,7 @@ std::string winAnsi(std::u32string_view value) {
 // A line for an appearance that showed nothing.
 std::string lineFor(std::string_view head, std::string_view codes, const CFontObj* font) {
     constexpr double kMostPoints = 12;
-    const std::vector<double> box = numbersOf(Dictionary(head).find("BBox"));
+    const std::vector<double> box = numbersOf(Dictionary(head).find("/BBox"));
     TextBox place{0, 0, 100, 20};
     if (box.size() >= 4 && box[2] > box[0] && box[3] > box[1]) {
         place = {box[0], box[1], box[2] - box[0], box[3] - box[1]};

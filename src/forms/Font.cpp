@@ -3,14 +3,15 @@
 
 #include <algorithm>
 
-#include "forms/Dictionary.h"
+#include "syntax/Dictionary.h"
+#include "syntax/Lexer.h"
+#include "syntax/Text.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
 
 constexpr float kThousand = 1000;
-
-bool contains(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
 
 // The standard font that a name means, also under the names that other systems give it (ISO 32000-2 9.6.2.2).
 std::optional<StandardFace> standardFace(std::string_view name) {
@@ -42,27 +43,27 @@ const Encoding* namedEncoding(std::string_view name) {
 }
 
 void applyDifferences(std::string_view array, Encoding& encoding) {
-    Tokens tokens(array);
+    Lexer tokens(array);
     tokens.next();
     std::size_t code = 0;
-    while (const auto token = tokens.next()) {
-        if (const auto number = numberOf(*token)) {
+    while (const Token token = tokens.next()) {
+        if (const auto number = numberOf(token.text)) {
             code = static_cast<std::size_t>(std::clamp(*number, 0.0, 256.0));
-        } else if (token->starts_with('/') && code < encoding.size()) {
-            encoding[code++] = characterOf(nameOf(*token)).value_or(0);
+        } else if (token.kind == TokenKind::Name && code < encoding.size()) {
+            encoding[code++] = characterOf(nameOf(token.text)).value_or(0);
         }
     }
 }
 
 Encoding encodingOf(const Dictionary& font, const References& references) {
-    const std::string_view value = references.follow(font.find("Encoding"));
+    const std::string_view value = references.follow(font.find("/Encoding"));
     if (const Encoding* const named = namedEncoding(value)) return *named;
     // A TrueType font without an encoding shows its own, which is that of Windows in practice.
-    const bool trueType = font.find("Subtype") == "/TrueType";
+    const bool trueType = font.find("/Subtype") == "/TrueType";
     const Dictionary dictionary(value);
-    const Encoding* const base = namedEncoding(references.follow(dictionary.find("BaseEncoding")));
+    const Encoding* const base = namedEncoding(references.follow(dictionary.find("/BaseEncoding")));
     Encoding encoding = base != nullptr ? *base : trueType ? winAnsiEncoding() : standardEncoding();
-    applyDifferences(references.follow(dictionary.find("Differences")), encoding);
+    applyDifferences(references.follow(dictionary.find("/Differences")), encoding);
     return encoding;
 }
 
@@ -70,28 +71,28 @@ Encoding encodingOf(const Dictionary& font, const References& references) {
 
 std::optional<FieldFont> FieldFont::from(std::string_view dictionary, const References& references) {
     const Dictionary font(dictionary);
-    const std::string_view subtype = font.find("Subtype");
+    const std::string_view subtype = font.find("/Subtype");
     if (subtype != "/Type1" && subtype != "/TrueType" && subtype != "/MMType1") return std::nullopt;
-    const std::string name = nameOf(references.follow(font.find("BaseFont")));
+    const std::string name = nameOf(references.follow(font.find("/BaseFont")));
     if (contains(name, "ZapfDingbats") || contains(name, "Symbol")) return std::nullopt;
     const Encoding encoding = encodingOf(font, references);
     FieldFont out;
-    const auto widths = references.follow(font.find("Widths"));
+    const auto widths = references.follow(font.find("/Widths"));
     if (!widths.empty()) {
-        out.readWidths(references.follow(font.find("FirstChar")), widths);
+        out.readWidths(references.follow(font.find("/FirstChar")), widths);
     } else {
         const auto face = standardFace(name);
         if (!face) return std::nullopt;
         out.useStandardWidths(*face, encoding);
     }
-    const Dictionary descriptor(references.follow(font.find("FontDescriptor")));
+    const Dictionary descriptor(references.follow(font.find("/FontDescriptor")));
     const auto height = [&](const char* key, double fallback) {
         const double value = numberOf(references.follow(descriptor.find(key))).value_or(0) / kThousand;
         const double size = value < 0 ? -value : value;
         return size > 0.1 && size < 2 ? size : fallback;
     };
-    out.ascent_ = height("Ascent", out.ascent_);
-    out.descent_ = height("Descent", out.descent_);
+    out.ascent_ = height("/Ascent", out.ascent_);
+    out.descent_ = height("/Descent", out.descent_);
     out.finish(encoding);
     return out;
 }

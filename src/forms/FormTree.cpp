@@ -4,6 +4,9 @@
 #include <algorithm>
 
 #include "forms/TextString.h"
+#include "syntax/Dictionary.h"
+#include "syntax/Lexer.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
@@ -16,12 +19,12 @@ void inherit(std::string_view& attribute, std::string_view own) {
 }
 
 FieldAttributes withOwn(FieldAttributes attributes, const Dictionary& own) {
-    inherit(attributes.type, own.find("FT"));
-    inherit(attributes.flags, own.find("Ff"));
-    inherit(attributes.value, own.find("V"));
-    inherit(attributes.appearance, own.find("DA"));
-    inherit(attributes.quadding, own.find("Q"));
-    inherit(attributes.maxLength, own.find("MaxLen"));
+    inherit(attributes.type, own.find("/FT"));
+    inherit(attributes.flags, own.find("/Ff"));
+    inherit(attributes.value, own.find("/V"));
+    inherit(attributes.appearance, own.find("/DA"));
+    inherit(attributes.quadding, own.find("/Q"));
+    inherit(attributes.maxLength, own.find("/MaxLen"));
     return attributes;
 }
 
@@ -39,16 +42,16 @@ FormTree::FormTree(CPdf& pdf) : pdf_(pdf) {
     const CPdfTrailer* const trailer = pdf.GetLastTrailer();
     CPdfObj* const catalogue = trailer == nullptr ? nullptr : object(trailer->root());
     if (catalogue == nullptr) return;
-    const std::string_view value = Dictionary(catalogue->content()).find("AcroForm");
+    const std::string_view value = Dictionary(catalogue->content()).find("/AcroForm");
     formIsDirect_ = value.starts_with("<<");
     formHolder_ = formIsDirect_ ? catalogue : object(value);
     if (formHolder_ == nullptr) return;
     form_ = Dictionary(formIsDirect_ ? value : follow(value));
     FieldAttributes defaults;
-    defaults.appearance = form_.find("DA");
-    defaults.quadding = form_.find("Q");
+    defaults.appearance = form_.find("/DA");
+    defaults.quadding = form_.find("/Q");
     std::vector<Node> stack;
-    for (CPdfObj* const field : kids(form_.find("Fields"))) stack.push_back({field, "", defaults, kNoField, 0});
+    for (CPdfObj* const field : kids(form_.find("/Fields"))) stack.push_back({field, "", defaults, kNoField, 0});
     std::reverse(stack.begin(), stack.end());
     walk(std::move(stack));
     findPages();
@@ -78,8 +81,8 @@ std::vector<CPdfObj*> FormTree::kids(std::string_view array) {
     std::vector<CPdfObj*> out;
     const CPdfObj* const shared = object(array);
     if (shared != nullptr && !arrays_.insert(shared).second) return out;
-    Tokens tokens(follow(array));
-    if (tokens.next() != "[") return out;
+    Lexer tokens(follow(array));
+    if (tokens.next().kind != TokenKind::ArrayOpen) return out;
     std::unordered_set<const CPdfObj*> listed;
     while (const auto element = tokens.nextValue()) {
         CPdfObj* const kid = object(*element);
@@ -103,7 +106,7 @@ void FormTree::walkWidgetsOutside(const FieldAttributes& defaults) {
     for (const int number : annotations_) {
         CPdfObj* const widget = pdf_.get_pdf_obj_from_map(number);
         if (widget == nullptr || seen_.contains(widget)) continue;
-        if (Dictionary(widget->content()).find("Subtype") != "/Widget") continue;
+        if (Dictionary(widget->content()).find("/Subtype") != "/Widget") continue;
         walk({{topOf(widget, climbed), "", defaults, kNoField, 0}});
         walk({{widget, "", defaults, kNoField, 0}});
     }
@@ -111,7 +114,7 @@ void FormTree::walkWidgetsOutside(const FieldAttributes& defaults) {
 
 CPdfObj* FormTree::topOf(CPdfObj* widget, std::unordered_set<const CPdfObj*>& climbed) const {
     for (int i = 0; i < limits::kFieldDepth && climbed.insert(widget).second; ++i) {
-        CPdfObj* const parent = object(Dictionary(widget->content()).find("Parent"));
+        CPdfObj* const parent = object(Dictionary(widget->content()).find("/Parent"));
         if (parent == nullptr || seen_.contains(parent)) break;
         widget = parent;
     }
@@ -120,7 +123,7 @@ CPdfObj* FormTree::topOf(CPdfObj* widget, std::unordered_set<const CPdfObj*>& cl
 
 void FormTree::visit(Node node, std::vector<Node>& stack) {
     const Dictionary own(node.object->content());
-    const std::string_view written = follow(own.find("T"));
+    const std::string_view written = follow(own.find("/T"));
     if (written.size() > limits::kFieldNameWritten) {
         ++omitted_;
         return;
@@ -132,7 +135,7 @@ void FormTree::visit(Node node, std::vector<Node>& stack) {
         node.attributes = withOwn(node.attributes, own);
     }
     const std::vector<CPdfObj*> below =
-        node.depth < limits::kFieldDepth ? kids(own.find("Kids")) : std::vector<CPdfObj*>{};
+        node.depth < limits::kFieldDepth ? kids(own.find("/Kids")) : std::vector<CPdfObj*>{};
     // Long names multiplied by many fields would cost what the file does not have.
     const std::size_t cost = node.prefix.size() * (below.size() + 1);
     if (node.prefix.size() > limits::kFieldNameBytes || cost > limits::kFieldNamesBytes - nameBytes_) {
@@ -144,7 +147,7 @@ void FormTree::visit(Node node, std::vector<Node>& stack) {
     if (!isWidget) {
         // Kids with a name of their own are fields; a field with such kids only groups them.
         const bool groups = std::any_of(below.begin(), below.end(), [](const CPdfObj* kid) {
-            return !Dictionary(kid->content()).find("T").empty();
+            return !Dictionary(kid->content()).find("/T").empty();
         });
         field = kNoField;
         if (!groups) {
@@ -166,17 +169,17 @@ int FormTree::pageOf(const CPdfObj& widget) const {
 // What counts is which page lists the widget; /P of the widget is optional and often wrong.
 void FormTree::findPages() {
     const CPdfObj* const catalogue = object(pdf_.GetLastTrailer()->root());
-    CPdfObj* const root = catalogue == nullptr ? nullptr : object(Dictionary(catalogue->content()).find("Pages"));
+    CPdfObj* const root = catalogue == nullptr ? nullptr : object(Dictionary(catalogue->content()).find("/Pages"));
     if (root == nullptr) return;
     std::unordered_set<const CPdfObj*> read;
     for (int index = 0;; ++index) {
         const CPdfObj* const page = pdf_.GetPdfPageObject(root, index, nullptr, nullptr);
         if (page == nullptr) return;
         if (!read.insert(page).second) continue;
-        const std::string_view annots = Dictionary(page->content()).find("Annots");
+        const std::string_view annots = Dictionary(page->content()).find("/Annots");
         const CPdfObj* const array = object(annots);
         if (array != nullptr && !read.insert(array).second) continue;
-        Tokens tokens(follow(annots));
+        Lexer tokens(follow(annots));
         tokens.next();
         while (const auto element = tokens.nextValue()) {
             const auto number = referenceOf(*element);
@@ -195,19 +198,19 @@ void FormTree::readLocks() {
     locksKnown_ = true;
     for (const FormField& field : fields_) {
         if (field.attributes.type != "/Sig" || field.attributes.value.empty()) continue;
-        locks_.add(follow(Dictionary(field.object->content()).find("Lock")), *this);
+        locks_.add(follow(Dictionary(field.object->content()).find("/Lock")), *this);
         const std::string_view signature = follow(field.attributes.value);
         if (!locks_.firstTime(signature)) continue;
-        const std::string_view references = follow(Dictionary(signature).find("Reference"));
+        const std::string_view references = follow(Dictionary(signature).find("/Reference"));
         if (!locks_.firstTime(references)) continue;
-        Tokens tokens(references);
-        if (tokens.next() != "[") continue;
+        Lexer tokens(references);
+        if (tokens.next().kind != TokenKind::ArrayOpen) continue;
         while (const auto element = tokens.nextValue()) {
             const std::string_view text = follow(*element);
             if (!locks_.firstTime(text)) continue;
             const Dictionary reference(text);
-            if (reference.find("TransformMethod") == "/FieldMDP") {
-                locks_.add(follow(reference.find("TransformParams")), *this);
+            if (reference.find("/TransformMethod") == "/FieldMDP") {
+                locks_.add(follow(reference.find("/TransformParams")), *this);
             }
         }
     }

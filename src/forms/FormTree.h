@@ -8,10 +8,10 @@
 #include <unordered_set>
 #include <vector>
 
-#include "forms/Dictionary.h"
 #include "forms/FieldLocks.h"
 #include "forms/Font.h"
 #include "support/Limits.h"
+#include "syntax/Dictionary.h"
 #include "varnpdf/Pdf.h"
 
 namespace varnpdf {

@@ -10,6 +10,8 @@
 
 #include "forms/TextString.h"
 #include "support/Text.h"
+#include "syntax/Dictionary.h"
+#include "syntax/Values.h"
 #include "writer/Update.h"
 
 namespace varnpdf {
@@ -43,15 +45,15 @@ std::string colour(std::string_view array, bool fill) {
 // Background and border of a widget (ISO 32000-2 12.5.6.19).
 std::string decoration(const Dictionary& look, const Dictionary& style, const TextBox& box, double border) {
     std::string out;
-    const std::string background = colour(look.find("BG"), true);
+    const std::string background = colour(look.find("/BG"), true);
     if (!background.empty()) {
         append(out, "q\n", background, "\n0 0 ", decimal(box.width), ' ', decimal(box.height), " re\nf\nQ\n");
     }
-    const std::string line = colour(look.find("BC"), false);
+    const std::string line = colour(look.find("/BC"), false);
     if (line.empty() || border <= 0) return out;
     append(out, "q\n", line, '\n', decimal(border), " w\n");
-    if (style.find("S") == "/D") append(out, "[3] 0 d\n");
-    if (style.find("S") == "/U") {
+    if (style.find("/S") == "/D") append(out, "[3] 0 d\n");
+    if (style.find("/S") == "/U") {
         append(out, "0 ", decimal(border / 2), " m\n", decimal(box.width), ' ', decimal(border / 2), " l\nS\nQ\n");
     } else {
         append(out, decimal(border / 2), ' ', decimal(border / 2), ' ', decimal(box.width - border), ' ',
@@ -88,9 +90,9 @@ std::optional<TextBox> boxOf(std::string_view array) {
 }
 
 double borderWidth(const Dictionary& widget, const Dictionary& style, const References& references) {
-    const auto width = numberOf(references.follow(style.find("W")));
+    const auto width = numberOf(references.follow(style.find("/W")));
     if (width) return std::clamp(*width, 0.0, 100.0);
-    const std::vector<double> border = numbersOf(references.follow(widget.find("Border")));
+    const std::vector<double> border = numbersOf(references.follow(widget.find("/Border")));
     return border.size() >= 3 ? std::clamp(border[2], 0.0, 100.0) : 1;
 }
 
@@ -111,7 +113,7 @@ struct FormUpdate::Shown {
 
 FormUpdate::FormUpdate(CPdf& pdf, FormTree& tree)
     : pdf_(pdf), tree_(tree), next_(std::max(pdf.GetLastTrailer()->GetSize(), pdf.get_max_obj_num_from_map() + 1)) {
-    const Dictionary fonts(tree.follow(Dictionary(tree.follow(tree.form().find("DR"))).find("Font")));
+    const Dictionary fonts(tree.follow(Dictionary(tree.follow(tree.form().find("/DR"))).find("/Font")));
     for (const Dictionary::Entry& font : fonts.entries()) {
         fontsOfForm_[nameOf(font.key)] = font.value == "null" ? std::string_view{} : font.value;
     }
@@ -145,14 +147,14 @@ std::string_view FormUpdate::part(std::string_view value) {
 
 void FormUpdate::setValue(const FormField& field, std::u32string_view value) {
     std::string& text = changed(*field.object);
-    text = withEntry(text, "V", textStringObject(value));
-    text = withEntry(text, "RV", "");  // the same value as rich text, which would win in viewers that know it
+    setEntry(text, "/V", textStringObject(value));
+    setEntry(text, "/RV", "");  // the same value as rich text, which would win in viewers that know it
     const std::u32string shown = withLineFeeds(value);
     for (CPdfObj* const widget : field.widgets) {
         // Some producers repeat the value in the widgets; an old one there would be shown.
-        if (widget != field.object && !Dictionary(widget->content()).find("V").empty()) {
+        if (widget != field.object && !Dictionary(widget->content()).find("/V").empty()) {
             std::string& own = changed(*widget);
-            own = withEntry(own, "V", "");
+            setEntry(own, "/V", "");
         }
         showValue(field, *widget, shown);
     }
@@ -164,11 +166,11 @@ FormUpdate::Shown FormUpdate::styleOf(const FormField& field, const Dictionary& 
         const std::string_view value = widget.find(key);
         return tree_.follow(value.empty() ? inherited : value);
     };
-    const std::string_view appearance = own("DA", field.attributes.appearance);
+    const std::string_view appearance = own("/DA", field.attributes.appearance);
     if (appearance.size() <= kLongestAppearance) {
         shown.style.appearance = parseDefaultAppearance(stringOf(appearance).value_or(""));
     }
-    const double quadding = numberOf(own("Q", field.attributes.quadding)).value_or(0);
+    const double quadding = numberOf(own("/Q", field.attributes.quadding)).value_or(0);
     shown.style.quadding = static_cast<int>(std::clamp(quadding, 0.0, 2.0));
     shown.style.multiline = (field.flags() & kMultiline) != 0;
     const double most = numberOf(tree_.follow(field.attributes.maxLength)).value_or(0);
@@ -180,27 +182,27 @@ FormUpdate::Shown FormUpdate::styleOf(const FormField& field, const Dictionary& 
 
 void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32string_view value) {
     const Dictionary own(widget.content());
-    const auto rect = boxOf(part(own.find("Rect")));
+    const auto rect = boxOf(part(own.find("/Rect")));
     if (!rect) return;  // a field without a place on a page shows nothing
-    const Dictionary look(part(own.find("MK")));
-    const Dictionary lines(part(own.find("BS")));
+    const Dictionary look(part(own.find("/MK")));
+    const Dictionary lines(part(own.find("/BS")));
     Shown shown = styleOf(field, own);
     shown.style.border = borderWidth(own, lines, Charged(*this));
 
-    shown.old = tree_.object(Dictionary(part(own.find("AP"))).find("N"));
+    shown.old = tree_.object(Dictionary(part(own.find("/AP"))).find("/N"));
     if (shown.old != nullptr) shown.parts = streamParts(shown.old->content(), tree_, budget_);
     const Dictionary form(shown.parts ? shown.parts->head : std::string_view{});
-    const auto oldBox = boxOf(part(form.find("BBox")));
+    const auto oldBox = boxOf(part(form.find("/BBox")));
     if (!oldBox || !markedText(shown.parts->data)) shown.parts.reset();
 
     const bool hidden = (field.flags() & kPassword) != 0;
-    chooseFont(shown, part(form.find("Resources")),
+    chooseFont(shown, part(form.find("/Resources")),
                hidden ? std::u32string(value.size(), U'*') : std::u32string(value));
     if (shown.font == nullptr) {
         leaveToViewers(widget);
         return;
     }
-    const auto rotation = numberOf(look.find("R")).value_or(0);
+    const auto rotation = numberOf(look.find("/R")).value_or(0);
     const Frame frame = frameOf(rect->width, rect->height, static_cast<int>(rotation));
     const TextBox box = shown.parts ? *oldBox : frame.box;
     const std::string text = fieldText(box, shown.style, *shown.font, shown.codes);
@@ -215,7 +217,7 @@ void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32stri
 }
 
 std::string_view FormUpdate::fontEntry(std::string_view resources, std::string_view name) {
-    return Dictionary(part(Dictionary(resources).find("Font"))).find(nameOf(text('/', name)));
+    return Dictionary(part(Dictionary(resources).find("/Font"))).find(text('/', name));
 }
 
 const std::optional<FieldFont>& FormUpdate::fontOf(std::string_view value) {
@@ -262,10 +264,12 @@ std::string FormUpdate::substituteFont() {
 }
 
 std::string FormUpdate::resourcesWith(std::string_view resources, const Shown& shown) {
-    const std::string_view fonts = part(Dictionary(resources).find("Font"));
-    const std::string more =
-        withEntry(fonts.starts_with("<<") ? fonts : "<<>>", shown.style.appearance.font, shown.fontEntry);
-    return withEntry(resources.starts_with("<<") ? resources : "<<>>", "Font", more);
+    const std::string_view fonts = part(Dictionary(resources).find("/Font"));
+    std::string more(fonts.starts_with("<<") ? fonts : "<<>>");
+    setEntry(more, text('/', shown.style.appearance.font), shown.fontEntry);
+    std::string out(resources.starts_with("<<") ? resources : "<<>>");
+    setEntry(out, "/Font", more);
+    return out;
 }
 
 void FormUpdate::writeAppearance(CPdfObj& widget, const Shown& shown) {
@@ -285,26 +289,26 @@ void FormUpdate::writeAppearance(CPdfObj& widget, const Shown& shown) {
         append(head, ">>");
     }
     if (!shown.codes.empty()) {
-        const std::string resources(part(Dictionary(head).find("Resources")));
+        const std::string resources(part(Dictionary(head).find("/Resources")));
         if (fontEntry(resources, shown.style.appearance.font) != shown.fontEntry) {
-            head = withEntry(head, "Resources", resourcesWith(resources, shown));
+            setEntry(head, "/Resources", resourcesWith(resources, shown));
         }
     }
     texts_[number] = streamObject(head, shown.content, shown.parts && shown.parts->packed);
 
     const auto known = texts_.find(widget.GetObjNum());
     const Dictionary own(known == texts_.end() ? widget.content() : std::string_view(known->second));
-    const Dictionary appearances(own.find("AP"));
-    const bool leadsThere = appearances.entries().size() == 1 && referenceOf(appearances.find("N")) == number;
+    const Dictionary appearances(own.find("/AP"));
+    const bool leadsThere = appearances.entries().size() == 1 && referenceOf(appearances.find("/N")) == number;
     if (leadsThere) return;
     std::string& text = changed(widget);
-    text = withEntry(text, "AP", varnpdf::text("<</N ", number, " 0 R>>"));
+    setEntry(text, "/AP", varnpdf::text("<</N ", number, " 0 R>>"));
 }
 
 // Without an appearance a viewer makes one, with the fonts that it has.
 void FormUpdate::leaveToViewers(CPdfObj& widget) {
     std::string& text = changed(widget);
-    text = withEntry(text, "AP", "");
+    setEntry(text, "/AP", "");
     needAppearances_ = true;
 }
 
@@ -313,12 +317,12 @@ bool FormUpdate::isShared(int appearance) {
         std::unordered_map<const CPdfObj*, std::optional<int>> shared;  // dictionaries, each read once
         for (const FormField& field : tree_.fields()) {
             for (const CPdfObj* const widget : field.widgets) {
-                const std::string_view value = Dictionary(widget->content()).find("AP");
+                const std::string_view value = Dictionary(widget->content()).find("/AP");
                 const CPdfObj* const held = tree_.object(value);
                 const auto known = shared.find(held);
                 const auto number = held != nullptr && known != shared.end()
                                         ? known->second
-                                        : referenceOf(Dictionary(tree_.follow(value)).find("N"));
+                                        : referenceOf(Dictionary(tree_.follow(value)).find("/N"));
                 if (held != nullptr) shared.emplace(held, number);
                 if (number) ++uses_[*number];
             }
@@ -332,14 +336,18 @@ bool FormUpdate::isShared(int appearance) {
 // Values in /XFA would be shown instead of those of the fields (ISO 32000-2 annex K).
 void FormUpdate::updateForm() {
     CPdfObj* const holder = tree_.formHolder();
-    const bool needed = needAppearances_ && tree_.follow(tree_.form().find("NeedAppearances")) != "true";
-    const bool hasXfa = !tree_.form().find("XFA").empty();
+    const bool needed = needAppearances_ && tree_.follow(tree_.form().find("/NeedAppearances")) != "true";
+    const bool hasXfa = !tree_.form().find("/XFA").empty();
     if (holder == nullptr || (!needed && !hasXfa)) return;
     std::string& object = changed(*holder);
-    std::string form(tree_.formIsDirect() ? Dictionary(object).find("AcroForm") : std::string_view(object));
-    if (needed) form = withEntry(form, "NeedAppearances", "true");
-    form = withEntry(form, "XFA", "");
-    object = tree_.formIsDirect() ? withEntry(object, "AcroForm", form) : form;
+    std::string form(tree_.formIsDirect() ? Dictionary(object).find("/AcroForm") : std::string_view(object));
+    if (needed) setEntry(form, "/NeedAppearances", "true");
+    setEntry(form, "/XFA", "");
+    if (tree_.formIsDirect()) {
+        setEntry(object, "/AcroForm", form);
+    } else {
+        object = form;
+    }
 }
 
 void FormUpdate::write() {

@@ -10,6 +10,7 @@
 #include "forms/AppearanceContent.h"
 #include "forms/FormTree.h"
 #include "support/Limits.h"
+#include "syntax/Dictionary.h"
 #include "varnpdf/Pdf.h"
 
 namespace varnpdf {

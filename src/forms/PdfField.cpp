@@ -2,13 +2,13 @@
 #include <cstdio>
 #include <cstring>
 
-#include "forms/Dictionary.h"
 #include "forms/FieldValue.h"
 #include "forms/TextString.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "support/StagedFile.h"
+#include "syntax/Dictionary.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/result.h"
 
@@ -97,8 +97,10 @@ void CPdfField::UpdateValues(CFontObj* defaultFont) {
 
 void CPdfField::updateValues(CFontObj* defaultFont, std::size_t& budget) {
     if (!newValue_) return;
-    std::string text = withEntry(orgObj_.content(), "V", textStringObject(fromUtf8(*newValue_)));
-    orgObj_.setContent(withEntry(text, "RV", ""));
+    std::string text(orgObj_.content());
+    setEntry(text, "/V", textStringObject(fromUtf8(*newValue_)));
+    setEntry(text, "/RV", "");
+    orgObj_.setContent(text);
     const CFontObj* const font = font_ != nullptr ? font_ : defaultFont;
     for (CPdfObj& appearance : appearances_) {
         if (appearance.GetContentLen() != 0) replaceShownValue(appearance, *newValue_, font, 1, budget);

@@ -8,6 +8,8 @@
 #include "forms/FormUpdate.h"
 #include "forms/TextString.h"
 #include "support/Log.h"
+#include "syntax/Lexer.h"
+#include "syntax/Values.h"
 #include "varnpdf/result.h"
 
 using namespace varnpdf;
@@ -41,7 +43,7 @@ std::optional<std::string> shownValue(std::string_view value, const FormTree& tr
     if (value.starts_with('/')) return nameOf(value);
     if (value.starts_with('[')) {
         std::string lines;
-        Tokens tokens(value);
+        Lexer tokens(value);
         tokens.next();
         while (const auto element = tokens.nextValue()) {
             const auto bytes = stringOf(tree.follow(*element));

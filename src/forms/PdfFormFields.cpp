@@ -3,13 +3,13 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "forms/Dictionary.h"
 #include "forms/FormTree.h"
 #include "model/DictionaryEntry.h"
 #include "model/ObjectTable.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Log.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfFields.h"
@@ -97,11 +97,13 @@ void CPdf::readFields(CPdfFieldContainer& container) {
         // Resources and their fonts may stand in objects of their own.
         const auto inlined = [&](std::string_view text, const char* key) {
             const CPdfObj* const object = referencedObject(Dictionary(text).find(key));
-            return object == nullptr ? std::string(text) : withEntry(text, key, objectValue(object->content()));
+            std::string out(text);
+            if (object != nullptr) setEntry(out, key, objectValue(object->content()));
+            return out;
         };
-        std::string resources = inlined(form.content(), "DR");
-        const std::string fonts = inlined(Dictionary(resources).find("DR"), "Font");
-        if (!fonts.empty()) resources = withEntry(resources, "DR", fonts);
+        std::string resources = inlined(form.content(), "/DR");
+        const std::string fonts = inlined(Dictionary(resources).find("/DR"), "/Font");
+        if (!fonts.empty()) setEntry(resources, "/DR", fonts);
         form.setContent(resources);
         container.SetFontContainer(form.ReadFontContainer());
     }

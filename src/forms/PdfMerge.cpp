@@ -9,6 +9,7 @@
 #include "forms/FormUpdate.h"
 #include "forms/TextString.h"
 #include "support/Log.h"
+#include "syntax/Dictionary.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/result.h"
@@ -28,9 +29,9 @@ FormField loneField(CPdfObj& object) {
     const Dictionary own(object.content());
     FormField field;
     field.object = &object;
-    field.attributes = {own.find("FT"), own.find("Ff"), own.find("V"),
-                        own.find("DA"), own.find("Q"),  own.find("MaxLen")};
-    if (own.find("Subtype") == "/Widget") field.widgets.push_back(&object);
+    field.attributes = {own.find("/FT"), own.find("/Ff"), own.find("/V"),
+                        own.find("/DA"), own.find("/Q"),  own.find("/MaxLen")};
+    if (own.find("/Subtype") == "/Widget") field.widgets.push_back(&object);
     return field;
 }
 

@@ -7,10 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "forms/Dictionary.h"
 #include "forms/TextString.h"
 #include "support/Text.h"
 #include "syntax/CharClass.h"
+#include "syntax/Lexer.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
@@ -139,7 +140,7 @@ private:
     }
 
     void show(std::string_view codes, double x, double y) {
-        append(out_, decimal(x - x_), ' ', decimal(y - y_), " Td\n", literalObject(codes), " Tj\n");
+        append(out_, decimal(x - x_), ' ', decimal(y - y_), " Td\n", asciiString(codes), " Tj\n");
         x_ = rounded(x_ + rounded(x - x_));
         y_ = rounded(y_ + rounded(y - y_));
     }
@@ -159,12 +160,12 @@ private:
 DefaultAppearance parseDefaultAppearance(std::string_view text) {
     std::vector<std::string_view> operands;
     DefaultAppearance out;
-    Tokens tokens(text);
-    while (const auto token = tokens.next()) {
-        operands.push_back(*token);
-        const bool isOperand = isClass(token->front(), kIsNumberByte | kIsDelimiter);
+    Lexer tokens(text);
+    while (const Token token = tokens.next()) {
+        operands.push_back(token.text);
+        const bool isOperand = isClass(token.text.front(), kIsNumberByte | kIsDelimiter);
         if (isOperand) continue;
-        if (*token == "Tf") {
+        if (token.text == "Tf") {
             if (operands.size() >= 3 && operands[operands.size() - 3].starts_with('/')) {
                 out.font = operands[operands.size() - 3].substr(1);
                 out.size = std::clamp(numberOf(operands[operands.size() - 2]).value_or(0), 0.0, 1000.0);

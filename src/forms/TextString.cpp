@@ -5,7 +5,8 @@
 #include <unordered_map>
 
 #include "forms/Glyphs.h"
-#include "support/Text.h"
+#include "syntax/Utf8.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
@@ -13,35 +14,6 @@ namespace {
 constexpr char32_t kReplacement = 0xFFFD;
 
 unsigned char byteAt(std::string_view bytes, std::size_t i) { return static_cast<unsigned char>(bytes[i]); }
-
-// One character; overlong forms, surrogates and cut ones are none.
-std::optional<char32_t> takeCharacter(std::string_view bytes, std::size_t& at) {
-    constexpr char32_t kLowest[] = {0, 0x80, 0x800, 0x10000};
-    const unsigned char first = byteAt(bytes, at++);
-    if (first < 0x80) return first;
-    if (first < 0xC2 || first > 0xF4) return std::nullopt;
-    const unsigned more = first >= 0xF0 ? 3 : first >= 0xE0 ? 2 : 1;
-    if (bytes.size() - at < more) return std::nullopt;
-    char32_t c = first & (0x3FU >> more);
-    for (unsigned i = 0; i < more; ++i) {
-        const unsigned char next = byteAt(bytes, at + i);
-        if ((next & 0xC0U) != 0x80) return std::nullopt;
-        c = (c << 6U) | (next & 0x3FU);
-    }
-    if (c < kLowest[more] || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) return std::nullopt;
-    at += more;
-    return c;
-}
-
-std::optional<std::u32string> strictUtf8(std::string_view text) {
-    std::u32string out;
-    for (std::size_t at = 0; at < text.size();) {
-        const auto c = takeCharacter(text, at);
-        if (!c) return std::nullopt;
-        out.push_back(*c);
-    }
-    return out;
-}
 
 std::u32string fromUtf16(std::string_view bytes, bool bigEndian) {
     const auto unit = [&](std::size_t i) {
@@ -100,7 +72,7 @@ std::optional<char> pdfDocByte(char32_t c) {
 }  // namespace
 
 std::u32string fromUtf8(std::string_view text) {
-    if (auto characters = strictUtf8(text)) return *characters;
+    if (auto characters = charactersOf(text)) return *characters;
     std::u32string out;
     for (std::size_t i = 0; i < text.size(); ++i) out.push_back(byteAt(text, i));
     return out;
@@ -134,7 +106,7 @@ std::u32string decodeTextString(std::string_view bytes) {
     // Not in the standard, but written by some producers and read by all viewers.
     if (bytes.starts_with("\xFF\xFE")) return fromUtf16(bytes.substr(2), false);
     if (bytes.starts_with("\xEF\xBB\xBF")) {
-        if (auto characters = strictUtf8(bytes.substr(3))) return *characters;
+        if (auto characters = charactersOf(bytes.substr(3))) return *characters;
     }
     std::u32string out;
     for (std::size_t i = 0; i < bytes.size(); ++i) {
@@ -156,27 +128,7 @@ std::string textStringObject(std::u32string_view characters) {
     for (const std::string_view mark : {"\xFE\xFF", "\xFF\xFE", "\xEF\xBB\xBF"}) {
         if (bytes.starts_with(mark)) return utf16Object(characters);
     }
-    return literalObject(bytes);
-}
-
-std::string literalObject(std::string_view bytes) {
-    constexpr std::string_view kKeywords[] = {"endobj", "stream", "xref", "trailer"};
-    std::string out = "(";
-    for (std::size_t at = 0; at < bytes.size(); ++at) {
-        const unsigned char c = byteAt(bytes, at);
-        bool octal = c < 0x20 || c > 0x7E || c == '\\';
-        for (const std::string_view keyword : kKeywords) octal = octal || bytes.substr(at).starts_with(keyword);
-        if (c == '(' || c == ')') {
-            append(out, '\\', static_cast<char>(c));
-        } else if (octal) {
-            // A doubled backslash in front of the closing parenthesis reads like an escaped one to simple scanners.
-            append(out, '\\', static_cast<char>('0' + c / 64), static_cast<char>('0' + c / 8 % 8),
-                   static_cast<char>('0' + c % 8));
-        } else {
-            out.push_back(static_cast<char>(c));
-        }
-    }
-    return out + ")";
+    return asciiString(bytes);
 }
 
 }  // namespace varnpdf

@@ -19,7 +19,4 @@ std::u32string decodeTextString(std::string_view bytes);
 /// misled.
 std::string textStringObject(std::u32string_view characters);
 
-/// A literal string object of bytes, likewise.
-std::string literalObject(std::string_view bytes);
-
 }  // namespace varnpdf

@@ -9,6 +9,7 @@
 #include "support/Limits.h"
 #include "support/ResultText.h"
 #include "syntax/CharClass.h"
+#include "syntax/Values.h"
 #include "varnpdf/Sha.h"
 #include "varnpdf/result.h"
 
@@ -34,11 +35,7 @@ std::string keyOf(std::string_view contents) {
 }
 
 /// The value of a signature: every byte of /Contents, the padding as well.
-std::optional<std::string> contentsOf(std::string_view signature) {
-    const auto entries = store::readDictionary(signature);
-    const store::KeyValue* const contents = entries ? entries->find("/Contents") : nullptr;
-    return contents != nullptr ? store::stringBytes(contents->value) : std::nullopt;
-}
+std::optional<std::string> contentsOf(std::string_view signature) { return stringOf(valueOf(signature, "/Contents")); }
 
 std::string upper(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -72,9 +69,8 @@ int SecurityStore::openTrailer() {
         return VARNPDF_TRAILER_INCOMPLETE;
     }
     catalogue_ = pdf_.referencedObject(trailer->root());
-    auto entries = catalogue_ != nullptr ? store::readDictionary(store::bodyOf(catalogue_->content())) : std::nullopt;
-    if (!entries) return VARNPDF_DSS_CATALOGUE_MISSING;
-    catalogueEntries_ = std::move(*entries);
+    if (catalogue_ != nullptr) catalogueEntries_ = Dictionary(catalogue_->content());
+    if (!catalogueEntries_) return VARNPDF_DSS_CATALOGUE_MISSING;
     const int highest = pdf_.get_max_obj_num_from_map();
     const auto room = static_cast<std::size_t>(std::numeric_limits<int>::max() - std::max(trailer->GetSize(), highest));
     // Three numbers for each record, and those of the entries, the store and the cross-reference stream.
@@ -87,10 +83,10 @@ SecurityStore::Resolved SecurityStore::resolve(std::string_view value) const {
     constexpr int kLongestChain = 8;  // references to references; a loop ends here
     Resolved found{value, nullptr};
     for (int i = 0; i < kLongestChain; ++i) {
-        const auto number = store::referenceIn(found.text);
+        const auto number = referenceOf(found.text);
         if (!number) return found;
         found.holder = pdf_.objects_->find(*number);
-        found.text = found.holder != nullptr ? store::bodyOf(found.holder->content()) : std::string_view{};
+        found.text = found.holder != nullptr ? bodyOf(found.holder->content()) : std::string_view{};
     }
     return {};
 }
@@ -100,9 +96,7 @@ void SecurityStore::readSignatures() {
     std::map<std::string, std::size_t> places;
     std::map<const CPdfObj*, std::optional<std::size_t>> known;  // fields may share a dictionary
     for (CPdfObj* const field : pdf_.signatureFields()) {
-        const auto fieldEntries = store::readDictionary(store::bodyOf(field->content()));
-        const store::KeyValue* const value = fieldEntries ? fieldEntries->find("/V") : nullptr;
-        const Resolved dictionary = value != nullptr ? resolve(value->value) : Resolved{};
+        const Resolved dictionary = resolve(valueOf(field->content(), "/V"));
         const auto seen = known.find(dictionary.holder);
         std::optional<std::size_t> place;
         if (seen != known.end()) {
@@ -121,13 +115,13 @@ void SecurityStore::readSignatures() {
 }
 
 void SecurityStore::readStore() {
-    const store::KeyValue* const entry = catalogueEntries_.find("/DSS");
+    const Dictionary::Entry* const entry = catalogueEntries_.entry("/DSS");
     if (entry != nullptr) {
         const Resolved found = resolve(entry->value);
-        if (auto old = store::readDictionary(found.text)) {
+        if (Dictionary old(found.text); old) {
             logDebug(logger_, "/DSS  gefunden");
             storeObject_ = found.holder;
-            oldStore_ = std::move(*old);
+            oldStore_ = std::move(old);
             readOldEntries();
             return;
         }
@@ -137,24 +131,23 @@ void SecurityStore::readStore() {
 }
 
 void SecurityStore::readOldEntries() {
-    const store::KeyValue* const entry = oldStore_.find("/VRI");
-    const Resolved found = entry != nullptr ? resolve(entry->value) : Resolved{};
-    auto old = store::readDictionary(found.text);
+    const Resolved found = resolve(oldStore_.find("/VRI"));
+    Dictionary old(found.text);
     logDebug(logger_, old ? "/VRI  gefunden" : "/VRI  nicht gefunden");
     for (const auto& [key, what] : {std::pair{"/OCSPs", "- OCSPs-Array"}, std::pair{"/Certs", "- Certs-Array"},
                                     std::pair{"/CRLs", "- CRLs-Array"}}) {
-        if (oldStore_.find(key) != nullptr) logDebug(logger_, what);
+        if (oldStore_.entry(key) != nullptr) logDebug(logger_, what);
     }
     if (!old) return;
-    oldEntries_ = std::move(*old);
+    oldEntries_ = std::move(old);
     // The store refers to generation 0, and two roles of one object cannot both be written.
     const bool alone = found.holder != nullptr && found.holder != storeObject_ && found.holder != catalogue_;
     if (alone && found.holder->GetGenNumber() <= 0) entriesObject_ = found.holder;
 
     std::map<std::string, Signature*> byKey;
-    for (Signature& signature : keyed_) byKey["/" + signature.key] = &signature;
-    for (const store::KeyValue& pair : oldEntries_.entries) {
-        const std::string name = store::plainName(pair.key);
+    for (Signature& signature : keyed_) byKey[signature.key] = &signature;
+    for (const Dictionary::Entry& pair : oldEntries_.entries()) {
+        const std::string name = nameOf(pair.key);
         if (const auto same = byKey.find(name); same != byKey.end()) {
             same->second->same = &pair;
             continue;

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "longterm/Values.h"
 #include "support/Log.h"
+#include "syntax/Dictionary.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfDSS.h"
 
@@ -41,8 +41,8 @@ private:
     struct Signature {
         std::string key;
         Numbers numbers = {};
-        const store::KeyValue* same = nullptr;     ///< the old entry with this key
-        const store::KeyValue* similar = nullptr;  ///< one whose key is written in lower case
+        const Dictionary::Entry* same = nullptr;     ///< the old entry with this key
+        const Dictionary::Entry* similar = nullptr;  ///< one whose key is written in lower case
     };
 
     int openTrailer();
@@ -54,7 +54,7 @@ private:
     void writeEntries();
     [[nodiscard]] std::string entriesText() const;
     [[nodiscard]] std::string entryOf(const Signature& signature) const;
-    [[nodiscard]] std::string mergedEntry(const store::DictionaryText& old, const Numbers& added) const;
+    [[nodiscard]] std::string mergedEntry(const Dictionary& old, const Numbers& added) const;
     [[nodiscard]] std::string newEntry(const Numbers& numbers) const;
     void writeStore();
     void updateCatalogue();
@@ -72,15 +72,15 @@ private:
     const ClassLogger& logger_;
     std::string lineEnd_;
     CPdfObj* catalogue_ = nullptr;
-    store::DictionaryText catalogueEntries_;
+    Dictionary catalogueEntries_;
     int next_ = 0;                                        // the number of the next new object
     std::vector<std::optional<std::size_t>> signatures_;  // by index of the signature: its place in keyed_
     std::vector<Signature> keyed_;                        // equal values share a key
     Numbers all_;
     CPdfObj* storeObject_ = nullptr;  // null: a new one is made
-    store::DictionaryText oldStore_;
+    Dictionary oldStore_;
     CPdfObj* entriesObject_ = nullptr;  // likewise
-    store::DictionaryText oldEntries_;
+    Dictionary oldEntries_;
     int storeNumber_ = 0;
     int entriesNumber_ = 0;
     std::map<int, std::pair<int, std::size_t>> written_;  // generation and offset by object number

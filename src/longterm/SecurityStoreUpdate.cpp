@@ -6,6 +6,9 @@
 #include "reader/SectionText.h"
 #include "support/Limits.h"
 #include "support/ResultText.h"
+#include "syntax/Dictionary.h"
+#include "syntax/Text.h"
+#include "syntax/Values.h"
 #include "varnpdf/result.h"
 #include "writer/Update.h"
 
@@ -45,8 +48,8 @@ void SecurityStore::write(int number, int generation, std::string_view text) {
 /// object, becomes an element.
 std::string SecurityStore::extended(std::string_view value, const std::vector<int>& added) const {
     const Resolved found = resolve(value);
-    const auto items = store::readItems(found.text);
-    if (added.empty() && (items || store::referenceIn(value))) return std::string(value);
+    const auto items = itemsOf(found.text);
+    if (added.empty() && (items || referenceOf(value))) return std::string(value);
     if (!items && (found.holder == nullptr || !found.text.starts_with("<<"))) return face_.append_to_array(added);
     std::string out = "[";
     for (const std::string_view item : items.value_or(std::vector<std::string_view>{value})) {
@@ -62,17 +65,17 @@ std::string SecurityStore::newEntry(const Numbers& numbers) const {
 }
 
 /// Every key of the old entry in its order, the arrays extended; /TU, /TS and /Type stay.
-std::string SecurityStore::mergedEntry(const store::DictionaryText& old, const Numbers& added) const {
+std::string SecurityStore::mergedEntry(const Dictionary& old, const Numbers& added) const {
     struct Array {
         const char* key;
         Kind kind;
-        const store::KeyValue* old;
+        const Dictionary::Entry* old;
     };
-    const Array arrays[] = {{"/OCSP", kOcsp, old.find("/OCSP")},
-                            {"/CRL", kCrl, old.find("/CRL")},
-                            {"/Cert", kCertificate, old.find("/Cert")}};
+    const Array arrays[] = {{"/OCSP", kOcsp, old.entry("/OCSP")},
+                            {"/CRL", kCrl, old.entry("/CRL")},
+                            {"/Cert", kCertificate, old.entry("/Cert")}};
     std::string out = "<<";
-    for (const store::KeyValue& pair : old.entries) {
+    for (const Dictionary::Entry& pair : old.entries()) {
         const auto* const array =
             std::find_if(std::begin(arrays), std::end(arrays), [&](const Array& it) { return it.old == &pair; });
         const bool extends = array != std::end(arrays);
@@ -87,18 +90,18 @@ std::string SecurityStore::mergedEntry(const store::DictionaryText& old, const N
 
 /// The entry of a signature: the old one as it is where nothing is added to it.
 std::string SecurityStore::entryOf(const Signature& signature) const {
-    const store::KeyValue* const from = signature.same != nullptr ? signature.same : signature.similar;
+    const Dictionary::Entry* const from = signature.same != nullptr ? signature.same : signature.similar;
     const Resolved found = from != nullptr ? resolve(from->value) : Resolved{};
     if (!found.text.starts_with("<<")) return newEntry(signature.numbers);
     const bool adds = std::any_of(signature.numbers.begin(), signature.numbers.end(),
                                   [](const std::vector<int>& numbers) { return !numbers.empty(); });
     if (!adds) return std::string(from->value);
-    const auto old = store::readDictionary(found.text);
-    return old ? mergedEntry(*old, signature.numbers) : newEntry(signature.numbers);
+    const Dictionary old(found.text);
+    return old ? mergedEntry(old, signature.numbers) : newEntry(signature.numbers);
 }
 
 std::string SecurityStore::entriesText() const {
-    std::map<const store::KeyValue*, const Signature*> owners;
+    std::map<const Dictionary::Entry*, const Signature*> owners;
     for (const Signature& signature : keyed_) {
         if (signature.same != nullptr) owners[signature.same] = &signature;
     }
@@ -107,7 +110,7 @@ std::string SecurityStore::entriesText() const {
         // Entries may share a dictionary, and each would take a copy of it; a result this long is refused later.
         if (out.size() <= limits::kDocumentBytes) append(out, out.empty() ? "" : lineEnd_, key, ' ', value);
     };
-    for (const store::KeyValue& pair : oldEntries_.entries) {
+    for (const Dictionary::Entry& pair : oldEntries_.entries()) {
         const auto owner = owners.find(&pair);
         add(pair.key, owner != owners.end() ? entryOf(*owner->second) : written(pair.value));
     }
@@ -121,7 +124,7 @@ std::string SecurityStore::entriesText() const {
 void SecurityStore::writeEntries() {
     logDebug(logger_, "VRI-Objekt erzeugen");
     entriesNumber_ = entriesObject_ != nullptr ? entriesObject_->GetObjNum() : next_++;
-    const bool carriesOver = !oldEntries_.entries.empty();
+    const bool carriesOver = !oldEntries_.entries().empty();
     std::string object = lines(text(entriesNumber_, " 0 obj@@NL@@<< @@NL@@",
                                     carriesOver ? "% vorhandene Daten (Problem)" : "% Eintrag neuer DSS ", "@@NL@@"));
     append(object, entriesText(), lines("@@NL@@>>@@NL@@endobj@@NL@@@@NL@@"));
@@ -134,19 +137,19 @@ void SecurityStore::writeStore() {
     constexpr std::pair<const char*, Kind> kArrays[] = {{"/OCSPs", kOcsp}, {"/CRLs", kCrl}, {"/Certs", kCertificate}};
     storeNumber_ = storeObject_ != nullptr ? storeObject_->GetObjNum() : next_++;
     const int generation = storeObject_ != nullptr ? std::max(storeObject_->GetGenNumber(), 0) : 0;
-    if (!oldStore_.entries.empty()) logDebug(logger_, "das DSS Dict muss erweitert werden");
+    if (!oldStore_.entries().empty()) logDebug(logger_, "das DSS Dict muss erweitert werden");
     std::string object = lines(text(storeNumber_, ' ', generation, " obj@@NL@@<< @@NL@@"));
     append(object, "   /VRI ", entriesNumber_, " 0 R", lineEnd_);
     for (const auto& [key, kind] : kArrays) {
-        const store::KeyValue* const old = oldStore_.find(key);
+        const Dictionary::Entry* const old = oldStore_.entry(key);
         if (old != nullptr && !all_[kind].empty()) {
             logDebug(logger_, "Array im DSS-Objekt erweitern um neue Referenzen");
         }
         append(object, "   ", key, ' ', extended(old != nullptr ? old->value : "", all_[kind]), lineEnd_);
     }
-    for (const store::KeyValue& pair : oldStore_.entries) {
-        const std::string name = store::plainName(pair.key);
-        if (name == "/VRI" || name == "/OCSPs" || name == "/CRLs" || name == "/Certs") continue;
+    for (const Dictionary::Entry& pair : oldStore_.entries()) {
+        const std::string name = nameOf(pair.key);
+        if (name == "VRI" || name == "OCSPs" || name == "CRLs" || name == "Certs") continue;
         append(object, "   ", pair.key, ' ', written(pair.value), lineEnd_);
     }
     append(object, lines(">>@@NL@@endobj@@NL@@@@NL@@"));
@@ -157,19 +160,17 @@ void SecurityStore::writeStore() {
 void SecurityStore::updateCatalogue() {
     if (storeObject_ != nullptr) return;
     const std::string_view whole = catalogue_->content();
-    const std::string_view body = store::bodyOf(whole);
     const std::string reference = text(storeNumber_, " 0 R");
     std::string changed(whole);
-    const auto bodyBegin = static_cast<std::size_t>(body.data() - whole.data());
-    if (const store::KeyValue* const old = catalogueEntries_.find("/DSS")) {
-        const auto begin = static_cast<std::size_t>(old->value.data() - whole.data());
+    if (const Dictionary::Entry* const old = catalogueEntries_.entry("/DSS")) {
+        const auto begin = offsetIn(whole, old->value);
         const std::size_t end = begin + old->value.size();
         const char* const before = isRegular(whole[begin - 1]) ? " " : "";
         const char* const behind = end < whole.size() && isRegular(whole[end]) ? " " : "";
         changed.replace(begin, old->value.size(), text(before, reference, behind));
     } else {
         logDebug(logger_, "Root-Objekt um /DSS Tag erweitern da vorher noch kein DSS vorhanden");
-        changed.insert(bodyBegin + catalogueEntries_.close, text("/DSS ", reference, lineEnd_));
+        changed.insert(catalogueEntries_.close(), text("/DSS ", reference, lineEnd_));
     }
     logDebug(logger_, "Root-Objekt NEU schreiben in xref");
     write(catalogue_->GetObjNum(), std::max(catalogue_->GetGenNumber(), 0), changed);

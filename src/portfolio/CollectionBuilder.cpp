@@ -11,7 +11,8 @@
 #include "support/Limits.h"
 #include "support/StagedFile.h"
 #include "support/Text.h"
-#include "syntax/Lexer.h"
+#include "syntax/Dictionary.h"
+#include "syntax/Values.h"
 #include "varnpdf/result.h"
 #include "writer/Update.h"
 
@@ -41,7 +42,7 @@ void takeInherited(CPdf& source, CPdfObj& page) {
             value = valueOf(node->content(), key);
         }
         if (node == nullptr || node == &page || value.empty()) continue;
-        if (auto longer = withDictionaryEntry(own, key, value)) own = std::move(*longer);
+        setEntry(own, key, value, EntryLayout::Splice);
     }
     page.setContent(own);
 }
@@ -186,9 +187,9 @@ int CollectionBuilder::copyCover(CPdf& source) {
     logDebug(logger_, "   neues Pages-Objet erzeugt (", pages_, ")");
     target_.SetPagesParent(pages_);
     CPdfObj& copy = *target_.get_pdf_obj_from_map(page_ - 1);
-    const auto withParent = withDictionaryEntry(copy.content(), "/Parent", reference(pages_));
-    if (!withParent) return VARNPDF_TRAILER_INCOMPLETE;
-    copy.setContent(*withParent);
+    std::string withParent(copy.content());
+    if (!setEntry(withParent, "/Parent", reference(pages_), EntryLayout::Splice)) return VARNPDF_TRAILER_INCOMPLETE;
+    copy.setContent(withParent);
     logDebug(logger_, "   Coversheet okay");
     return VARNPDF_OK;
 }

@@ -4,7 +4,10 @@
 #include "portfolio/Streams.h"
 #include "support/Limits.h"
 #include "support/Text.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Lexer.h"
+#include "syntax/Text.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
@@ -14,7 +17,7 @@ std::optional<std::string_view> lastKid(std::string_view array) {
     Lexer lexer(array);
     if (lexer.next().kind != TokenKind::ArrayOpen) return std::nullopt;
     std::string_view last;
-    while (const auto value = takeValue(lexer, array)) last = value->of(array);
+    while (const auto value = lexer.nextValue()) last = *value;
     return last;
 }
 
@@ -42,18 +45,13 @@ bool NameTreeUpdate::editValue(std::string& holder, std::string_view key, Edit e
     std::string value(valueOf(holder, key));
     if (std::string* const object = textOf(value)) return (this->*edit)(*object);
     if (!(this->*edit)(value)) return false;
-    auto renewed = withDictionaryEntry(holder, key, value);
-    if (!renewed) return false;
-    holder = std::move(*renewed);
-    return true;
+    return setEntry(holder, key, value, EntryLayout::Splice);
 }
 
 bool NameTreeUpdate::run(CPdfObj& catalogue) {
     std::string& root = changed_.try_emplace(catalogue.GetObjNum(), catalogue.content()).first->second;
     if (isAbsent(valueOf(root, "/Names"))) {
-        auto renewed = withDictionaryEntry(root, "/Names", text(addNames(), " 0 R"));
-        if (!renewed) return false;
-        root = std::move(*renewed);
+        if (!setEntry(root, "/Names", text(addNames(), " 0 R"), EntryLayout::Splice)) return false;
     } else if (!editValue(root, "/Names", &NameTreeUpdate::editNames)) {
         return false;
     }
@@ -79,16 +77,14 @@ int NameTreeUpdate::addTree() {
 bool NameTreeUpdate::editNames(std::string& names) {
     const std::string_view tree = valueOf(names, "/EmbeddedFiles");
     if (!isAbsent(tree)) return editValue(names, "/EmbeddedFiles", &NameTreeUpdate::editNode);
-    auto renewed = withDictionaryEntry(names, "/EmbeddedFiles", text(next_, " 0 R"));
-    if (!renewed) return false;
-    names = std::move(*renewed);
+    if (!setEntry(names, "/EmbeddedFiles", text(next_, " 0 R"), EntryLayout::Splice)) return false;
     addTree();
     return true;
 }
 
 // The pair goes into the last leaf, so that it is the last one of the whole tree.
 bool NameTreeUpdate::editNode(std::string& node) {
-    if (!readObjectDictionary(node) || ++depth_ > limits::kNesting) return false;
+    if (!Dictionary(node) || ++depth_ > limits::kNesting) return false;
     const std::string_view kids = valueOf(node, "/Kids");
     if (isAbsent(kids)) return editLeaf(node);
     const auto kid = lastKid(resolved(pdf_, kids));
@@ -104,17 +100,16 @@ bool NameTreeUpdate::editLeaf(std::string& leaf) {
     if (!isAbsent(valueOf(leaf, "/Names"))) {
         return editValue(leaf, "/Names", &NameTreeUpdate::insertPair) && widenLimits(leaf);
     }
-    auto renewed = withDictionaryEntry(leaf, "/Names", text('[', pair(), ']'));
-    if (!renewed) return false;
-    leaf = std::move(*renewed);
+    if (!setEntry(leaf, "/Names", text('[', pair(), ']'), EntryLayout::Splice)) return false;
     return widenLimits(leaf);
 }
 
 // In front of the "]" that closes the array; what does not end so is refused.
 bool NameTreeUpdate::insertPair(std::string& holder) {
-    const auto array = valueAt(holder, bodyBegin(holder));
-    if (!array || !array->of(holder).starts_with('[') || !array->of(holder).ends_with(']')) return false;
-    holder.insert(array->end - 1, (array->size() > 2 ? " " : "") + pair());
+    const std::string_view array = objectValue(holder);
+    if (!array.starts_with('[') || !array.ends_with(']')) return false;
+    const std::size_t close = offsetIn(holder, array) + array.size() - 1;
+    holder.insert(close, (array.size() > 2 ? " " : "") + pair());
     return true;
 }
 
@@ -125,19 +120,16 @@ bool NameTreeUpdate::widenLimits(std::string& node) {
     const std::string_view array = resolved(pdf_, value);
     Lexer lexer(array);
     if (lexer.next().kind != TokenKind::ArrayOpen) return false;
-    const auto least = takeValue(lexer, array);
-    const auto most = takeValue(lexer, array);
-    const auto low = least ? stringBytes(least->of(array)) : std::nullopt;
-    const auto high = most ? stringBytes(most->of(array)) : std::nullopt;
+    const auto least = lexer.nextValue();
+    const auto most = lexer.nextValue();
+    const auto low = least ? stringOf(*least) : std::nullopt;
+    const auto high = most ? stringOf(*most) : std::nullopt;
     if (!low || !high) return false;
     if (*low <= key_ && key_ <= *high) return true;
     const std::string own = literalString(key_);
-    const std::string_view from = key_ < *low ? std::string_view(own) : least->of(array);
-    const std::string_view to = key_ > *high ? std::string_view(own) : most->of(array);
-    auto renewed = withDictionaryEntry(node, "/Limits", text('[', from, ' ', to, ']'));
-    if (!renewed) return false;
-    node = std::move(*renewed);
-    return true;
+    const std::string_view from = key_ < *low ? std::string_view(own) : *least;
+    const std::string_view to = key_ > *high ? std::string_view(own) : *most;
+    return setEntry(node, "/Limits", text('[', from, ' ', to, ']'), EntryLayout::Splice);
 }
 
 }  // namespace varnpdf

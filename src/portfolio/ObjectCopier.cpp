@@ -160,15 +160,15 @@ void ObjectCopier::close(Frame& frame, bool dictionary) {
 
 void ObjectCopier::takeKey(Frame& frame, const Token& token) {
     const std::string_view body = frame.parts.body;
-    const std::string_view key = token.span.of(body);
+    const std::string_view key = token.text;
     Level& level = frame.levels.back();
     level.wantsKey = false;
     logDebug(logger_, level.keys++ == 0 ? " DICT 1. Key gefunden: " : " DICT n. Key gefunden: ", key);
     if (key == "/Parent") {
-        if (const auto number = takeReference(frame.lexer, body)) dropParent(frame, token, *number);
+        if (const auto number = frame.lexer.nextReference()) dropParent(frame, token, *number);
     } else if (key == "/Length" && frame.levels.size() == 1 && frame.parts.data && !frame.parts.lengthHolds) {
-        if (!takeValue(frame.lexer, body)) return;
-        append(frame.out, body.substr(frame.copied, token.span.end - frame.copied), ' ', frame.parts.data->size());
+        if (!frame.lexer.nextValue()) return;
+        append(frame.out, body.substr(frame.copied, token.end() - frame.copied), ' ', frame.parts.data->size());
         frame.copied = frame.lexer.at();
         level.wantsKey = true;
     }
@@ -176,7 +176,7 @@ void ObjectCopier::takeKey(Frame& frame, const Token& token) {
 
 void ObjectCopier::dropParent(Frame& frame, const Token& key, int number) {
     logDebug(logger_, "Ist eine Referenz (Parent)");
-    append(frame.out, frame.parts.body.substr(frame.copied, key.span.begin - frame.copied));
+    append(frame.out, frame.parts.body.substr(frame.copied, key.begin - frame.copied));
     const auto known = numbers_.find(number);
     if (known != numbers_.end()) append(frame.out, "/Parent ", known->second, " 0 R");
     frame.copied = frame.lexer.at();
@@ -190,7 +190,7 @@ int ObjectCopier::takeReferenceOr(Frame& frame, std::size_t begin) {
     valueEnds(frame);
     const std::size_t behindWord = frame.lexer.at();
     frame.lexer.moveTo(begin);
-    const auto number = takeReference(frame.lexer, body);
+    const auto number = frame.lexer.nextReference();
     if (!number) {
         frame.lexer.moveTo(behindWord);
         return 0;
@@ -215,7 +215,7 @@ int valueKind(CPdf& source, std::string_view value) {
     if (object != nullptr && partsOf(source, *object).data) return static_cast<int>(ObjectKind::Stream);
     value = resolved(source, value);
     const Token token = Lexer(value).next();
-    const std::string_view word = token.span.of(value);
+    const std::string_view word = token.text;
     switch (token.kind) {
         case TokenKind::DictOpen:
             return static_cast<int>(ObjectKind::Dictionary);

@@ -15,7 +15,7 @@
 #include "support/StagedFile.h"
 #include "support/Text.h"
 #include "syntax/CharClass.h"
-#include "syntax/Lexer.h"
+#include "syntax/Values.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/result.h"
 #include "writer/Update.h"
@@ -168,27 +168,17 @@ int Attachment::save(CPdf& pdf, const NameTreeUpdate& tree) {
     const std::size_t tailAt = old.size() + head.size() + packed_.data.size();
 
     CPdfXRefContainer xrefs;
-    const auto record = [&](int number, int generation, std::size_t offset) {
-        CPdfXRefEntry entry;
-        entry.SetPos(static_cast<int>(offset));
-        entry.SetGenNumber(generation);
-        CPdfXRef run;
-        run.AddEntry(entry);
-        run.SetRefStart(number);
-        run.SetIsFree(0);
-        xrefs.AddXRef(&run);
-    };
     std::string tail = "\r\nendstream\rendobj\r";
-    record(stream_, 0, streamAt);
-    record(stream_ + 1, 0, tailAt + tail.size());
+    addObjectEntry(xrefs, stream_, 0, streamAt);
+    addObjectEntry(xrefs, stream_ + 1, 0, tailAt + tail.size());
     append(tail, fileSpec());
     for (const auto& [number, content] : tree.added()) {
-        record(number, 0, tailAt + tail.size());
+        addObjectEntry(xrefs, number, 0, tailAt + tail.size());
         append(tail, content);
     }
     for (const auto& [number, content] : tree.changed()) {
         const int generation = std::max(pdf.get_pdf_obj_from_map(number)->GetGenNumber(), 0);
-        record(number, generation, tailAt + tail.size());
+        addObjectEntry(xrefs, number, generation, tailAt + tail.size());
         append(tail, objectText(number, generation, content));
     }
     xrefs.SortXRefList();

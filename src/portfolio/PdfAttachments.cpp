@@ -9,7 +9,10 @@
 #include "portfolio/Streams.h"
 #include "support/Inflate.h"
 #include "support/Limits.h"
+#include "syntax/Cursor.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Lexer.h"
+#include "syntax/Values.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfAttach.h"
 #include "varnpdf/result.h"
@@ -22,19 +25,7 @@ namespace {
 constexpr std::string_view kSystems[] = {"/UF", "/F", "/Unix", "/DOS", "/Mac"};
 
 std::string textOf(CPdf& pdf, std::string_view dictionary, std::string_view key) {
-    return stringBytes(resolved(pdf, valueOf(dictionary, key))).value_or("");
-}
-
-// A name without its slash, "#2F" undone (ISO 32000-2 7.3.5).
-std::string nameText(std::string_view name) {
-    std::string out;
-    for (std::size_t at = 1; at < name.size(); ++at) {
-        const bool escaped =
-            name[at] == '#' && at + 2 < name.size() && hexValue(name[at + 1]) >= 0 && hexValue(name[at + 2]) >= 0;
-        out.push_back(escaped ? static_cast<char>(hexValue(name[at + 1]) << 4 | hexValue(name[at + 2])) : name[at]);
-        if (escaped) at += 2;
-    }
-    return out;
+    return stringOf(resolved(pdf, valueOf(dictionary, key))).value_or("");
 }
 
 // The data as it is, or inflated; nothing for other filters and for rows that are predicted.
@@ -42,9 +33,9 @@ std::optional<std::string> decoded(CPdf& pdf, const ObjectParts& parts) {
     std::string_view filter = resolved(pdf, valueOf(parts.body, "/Filter"));
     if (filter.starts_with('[')) {
         Lexer lexer(filter, 1);
-        const auto first = takeValue(lexer, filter);
-        if (first && takeValue(lexer, filter)) return std::nullopt;
-        filter = first ? resolved(pdf, first->of(filter)) : std::string_view{};
+        const auto first = lexer.nextValue();
+        if (first && lexer.nextValue()) return std::nullopt;
+        filter = first ? resolved(pdf, *first) : std::string_view{};
     }
     if (filter.empty() || filter == "null") return std::string(*parts.data);
     if (filter != "/FlateDecode" && filter != "/Fl") return std::nullopt;
@@ -110,8 +101,8 @@ void CPdfAttachments::List::readTree() {
         Lexer lexer(kids);
         if (lexer.next().kind != TokenKind::ArrayOpen) continue;
         const auto first = static_cast<std::ptrdiff_t>(nodes.size());
-        while (const auto kid = takeValue(lexer, kids)) {
-            if (nodes.size() < limits::kTreeReferences) nodes.push_back(kid->of(kids));
+        while (const auto kid = lexer.nextValue()) {
+            if (nodes.size() < limits::kTreeReferences) nodes.push_back(*kid);
         }
         std::reverse(nodes.begin() + first, nodes.end());
     }
@@ -121,10 +112,10 @@ void CPdfAttachments::List::readLeaf(std::string_view names) {
     Lexer lexer(names);
     if (lexer.next().kind != TokenKind::ArrayOpen) return;
     for (;;) {
-        const auto key = takeValue(lexer, names);
-        const auto spec = key ? takeValue(lexer, names) : std::nullopt;
+        const auto key = lexer.nextValue();
+        const auto spec = key ? lexer.nextValue() : std::nullopt;
         if (!spec || files.size() == limits::kTreeReferences) return;
-        add(stringBytes(value(key->of(names))).value_or(""), spec->of(names));
+        add(stringOf(value(*key)).value_or(""), *spec);
     }
 }
 
@@ -203,7 +194,7 @@ std::string CPdfAttachments::GetMimeType(int index) const {
     const List::File* const file = list_ ? list_->at(index) : nullptr;
     if (file == nullptr || file->stream == nullptr) return {};
     const std::string_view name = resolved(list_->pdf, valueOf(file->stream->content(), "/Subtype"));
-    return name.starts_with('/') ? nameText(name) : std::string();
+    return nameOf(name);
 }
 
 long long CPdfAttachments::GetSize(int index) const {

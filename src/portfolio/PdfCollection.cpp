@@ -11,7 +11,7 @@
 #include "portfolio/ObjectCopier.h"
 #include "support/Log.h"
 #include "support/Text.h"
-#include "syntax/Lexer.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/result.h"

@@ -3,15 +3,16 @@
 
 #include <algorithm>
 
+#include "syntax/Cursor.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Lexer.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr int kLongestChain = 8;  // references to references; a loop ends here
-
-std::string_view bodyText(std::string_view object) { return object.substr(bodyBegin(object)); }
 
 // The text from the object's first byte to the end of the document; only the object itself when it lies elsewhere.
 std::string_view fromObjectOn(CPdf& pdf, const CPdfObj& object) {
@@ -20,13 +21,6 @@ std::string_view fromObjectOn(CPdf& pdf, const CPdfObj& object) {
     const char* const begin = text.data();
     if (begin < document.data() || begin >= document.data() + document.size()) return text;
     return document.substr(static_cast<std::size_t>(begin - document.data()));
-}
-
-// Behind "stream" stands LF or CR LF (ISO 32000-2 7.3.8.1); a lone CR is accepted.
-std::size_t dataBegin(std::string_view text, std::size_t at) {
-    if (at < text.size() && text[at] == '\r') ++at;
-    if (at < text.size() && text[at] == '\n') ++at;
-    return at;
 }
 
 bool endsStream(std::string_view text, std::size_t at) {
@@ -39,15 +33,13 @@ bool endsStream(std::string_view text, std::size_t at) {
 }  // namespace
 
 CPdfObj* referenced(CPdf& pdf, std::string_view value) {
-    Lexer lexer(value);
-    const auto number = takeReference(lexer, value);
+    const auto number = referenceOf(value);
     return number ? pdf.get_pdf_obj_from_map(*number) : nullptr;
 }
 
 std::string_view resolved(CPdf& pdf, std::string_view value) {
     for (int i = 0; i < kLongestChain; ++i) {
-        Lexer lexer(value);
-        const auto number = takeReference(lexer, value);
+        const auto number = referenceOf(value);
         if (!number) return value;
         const CPdfObj* const object = pdf.get_pdf_obj_from_map(*number);
         if (object == nullptr) return {};
@@ -58,19 +50,18 @@ std::string_view resolved(CPdf& pdf, std::string_view value) {
 
 ObjectParts partsOf(CPdf& pdf, const CPdfObj& object) {
     const std::string_view text = object.content();
-    const std::size_t begin = bodyBegin(text);
-    const auto value = valueAt(text, begin);
+    Lexer lexer(text, bodyBegin(text));
+    const auto value = lexer.nextValue();
     if (!value) return {};
     ObjectParts parts;
-    parts.body = value->of(text);
-    Lexer lexer(text, value->end);
+    parts.body = *value;
     const Token keyword = lexer.next();
-    if (!parts.body.starts_with("<<") || keyword.span.of(text).substr(0, 6) != "stream") return parts;
+    if (!parts.body.starts_with("<<") || keyword.text.substr(0, 6) != "stream") return parts;
 
-    const std::size_t from = dataBegin(text, keyword.span.begin + 6);
+    const std::size_t from = streamDataBegin(text, keyword.begin);
     const std::string_view length = valueOf(parts.body, "/Length");
     CPdfObj* const indirect = referenced(pdf, length);
-    const std::string_view digits = indirect == nullptr ? length : bodyText(indirect->content());
+    const std::string_view digits = indirect == nullptr ? length : bodyOf(indirect->content());
     const std::string_view whole = fromObjectOn(pdf, object);
     const auto stated = Cursor(digits).takeInt();
     if (stated && *stated >= 0 && endsStream(whole, from + static_cast<std::size_t>(*stated))) {

@@ -212,14 +212,7 @@ int Preparation::writeObjects() {
     pdf_.print("\r\n");
     CPdfXRefContainer xrefs;
     const auto write = [&](int number, int generation, std::string_view content) {
-        CPdfXRefEntry entry;
-        entry.SetPos(static_cast<int>(pdf_.filePosition()));
-        entry.SetGenNumber(generation);
-        CPdfXRef run;
-        run.AddEntry(entry);
-        run.SetRefStart(number);
-        run.SetIsFree(0);
-        xrefs.AddXRef(&run);
+        addObjectEntry(xrefs, number, generation, pdf_.filePosition());
         pdf_.print(objectText(number, generation, content));
     };
     for (const auto& [number, object] : changed_) {

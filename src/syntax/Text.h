@@ -10,6 +10,10 @@ namespace varnpdf {
 
 /// The text of a C string, empty for null.
 inline std::string_view viewOf(const char* text) noexcept { return text == nullptr ? std::string_view{} : text; }
+/// Where a view into `text` begins.
+inline std::size_t offsetIn(std::string_view text, std::string_view part) noexcept {
+    return static_cast<std::size_t>(part.data() - text.data());
+}
 /// `part` occurs in `text`.
 inline bool contains(std::string_view text, std::string_view part) noexcept {
     return text.find(part) != std::string_view::npos;

@@ -23,14 +23,7 @@ std::size_t CPdf::filePosition() const noexcept { return std::size_t{output_.get
 
 void CPdf::WriteTextAnnotation(CPdfTrailer* /*trailer*/, CPdfXRefContainer* xrefs, CPdfObj* obj) {
     if (xrefs == nullptr || obj == nullptr) return;
-    CPdfXRefEntry entry;
-    entry.SetPos(static_cast<int>(output_.tell()));
-    entry.SetGenNumber(obj->GetGenNumber());
-    CPdfXRef run;
-    run.AddEntry(entry);
-    run.SetRefStart(obj->GetObjNum());
-    run.SetIsFree(0);
-    xrefs->AddXRef(&run);
+    addObjectEntry(*xrefs, obj->GetObjNum(), obj->GetGenNumber(), output_.tell());
     print(objectText(obj->GetObjNum(), obj->GetGenNumber(), obj->content()));
 }
 

@@ -93,6 +93,17 @@ std::string filled(std::string_view lines, std::span<const TokenValue> values, s
 
 }  // namespace
 
+void addObjectEntry(CPdfXRefContainer& xrefs, int number, int generation, std::size_t offset) {
+    CPdfXRefEntry entry;
+    entry.SetPos(static_cast<int>(offset));
+    entry.SetGenNumber(generation);
+    CPdfXRef run;
+    run.AddEntry(entry);
+    run.SetRefStart(number);
+    run.SetIsFree(0);
+    xrefs.AddXRef(&run);
+}
+
 std::string crossReferenceTable(const CPdfXRefContainer& xrefs) {
     std::string out;
     append(out, "xref\r\n");

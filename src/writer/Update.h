@@ -1,6 +1,7 @@
 // The text of an appended update (ISO 32000-2 7.5.6): cross-reference table, cross-reference stream, trailer.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,9 @@
 #include "varnpdf/PdfXRef.h"
 
 namespace varnpdf {
+
+/// Adds a subsection for one object in use.
+void addObjectEntry(CPdfXRefContainer& xrefs, int number, int generation, std::size_t offset);
 
 /// "xref" with the subsections in the container's order; entry lines have 20 bytes.
 std::string crossReferenceTable(const CPdfXRefContainer& xrefs);

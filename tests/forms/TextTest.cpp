@@ -1,10 +1,10 @@
-// Text of fields: strings, dictionaries edited as text, layout, replacing what an appearance shows.
+// Text of fields: strings, layout, replacing what an appearance shows.
 #include <gtest/gtest.h>
 
 #include "forms/AppearanceContent.h"
-#include "forms/Dictionary.h"
 #include "forms/TextLayout.h"
 #include "forms/TextString.h"
+#include "syntax/Values.h"
 
 namespace {
 
@@ -39,28 +39,6 @@ TEST(TextString, ObjectsReadBackAsTheyWereMeant) {
     EXPECT_EQ(toUtf8(fromUtf8("Gr\xFC\xDF")), "Grüß");  // no UTF-8, so Latin-1
     EXPECT_EQ(toUtf8(decodeTextString("\xFF\xFE\x41\x00\x00\xD8"sv)), "A\uFFFD");
     EXPECT_EQ(toUtf8(decodeTextString("\xEF\xBB\xBFü")), "ü");
-}
-
-TEST(Dictionary, EntriesAreReplacedWhereEveryViewerSeesThem) {
-    struct Row {
-        std::string_view text, key, value, result;
-    };
-    // clang-format off
-    const Row rows[] = {
-        {"<</V (a)>>", "V", "(b)", "<</V (b)>>"},
-        {"5 0 obj\n<</T (V) /V/V/X 1>>\nendobj", "V", "(b)", "5 0 obj\n<</T (V) /V (b)/X 1>>\nendobj"},
-        {"<</T ((V) \\) /V 1)/V 2>>", "V", "", "<</T ((V) \\) /V 1)>>"},
-        {"<</K<</V 1>>%/V 2\n>>", "V", "3", "<</K<</V 1>>%/V 2\n/V 3\r\n>>"},
-        {"<</V 1/#56 2>>", "V", "3", "<</V 3>>"},            // the same name, twice
-        {"<<>> stream\n<</V 1>>", "V", "3", "<<\r\n/V 3\r\n>> stream\n<</V 1>>"},
-        {"<</V 1 0 R /W[1 0 R]>>", "V", "()", "<</V () /W[1 0 R]>>"},
-        {"<</A (open", "V", "1", "<</A (open"},
-        {"[1 2]", "V", "1", "[1 2]"},
-    };
-    // clang-format on
-    for (const auto& [text, key, value, result] : rows) EXPECT_EQ(withEntry(text, key, value), result);
-    EXPECT_EQ(Dictionary("<</V 1/V 2/X null>>").find("V"), "2");
-    EXPECT_EQ(Dictionary("<</V 1/V 2/X null>>").find("X"), "");
 }
 
 TEST(Layout, TextStandsWhereTheFieldSaysIt) {
@@ -149,6 +127,10 @@ TEST(Font, CodesAreTheFontsOwn) {
         EXPECT_EQ(font ? font->encode(fromUtf8(utf8)).value_or("-") : "!", codes) << dictionary << utf8;
     }
     EXPECT_NEAR(FieldFont::helvetica().width("Ai"), 0.667 + 0.222, 0.0005);
+    const auto described = FieldFont::from(
+        "<</Subtype/Type1/BaseFont/Helvetica/FontDescriptor<</Ascent 900/Descent -200>> >>", NoReferences{});
+    EXPECT_NEAR(described->ascent(), 0.9, 0.0005);
+    EXPECT_NEAR(described->descent(), 0.2, 0.0005);
 }
 
 }  // namespace
