@@ -39,7 +39,7 @@ VARNPDF_EXPORT int VarnImage(char* in, char* out);
 
 /// Reads the JPEG frame header from the start of the file. `*gray` is 1 for one component, else 0. The pointers to
 /// the results must not be null. Leaves the file behind the header.
-/// @return 1, or 0 when there is no frame header in front of the image data
+/// @return 1, or 0 when there is no frame header in front of the image data, or no file
 VARNPDF_EXPORT int scanhead(FILE* file, int* width, int* height, int* gray);
 /// Writes everything in front of the JPEG data.
 /// @param width, height  pixels
@@ -82,7 +82,7 @@ VARNPDF_EXPORT void Char2Octet(unsigned char byte, char* out);
 ///         pages) or VARNPDF_CONVERT_WRITE (-602)
 VARNPDF_EXPORT int ConvertTIFF(tiff* tif, FILE* file);
 /// Bytes of the file, from its start. The position is kept.
-/// @return -1 when it cannot be found or does not fit an int
+/// @return -1 when it cannot be found, does not fit an int, or there is no file
 VARNPDF_EXPORT int GetFileSize_varnimg(FILE* file);
 /// Error handler for libtiff (`TIFFSetErrorHandler`): logs the message as an error of "VarnPDF.VarnImage". libtiff's
 /// handlers belong to the process; `VarnImage` installs this one, and one that logs warnings at debug level, while any

@@ -146,13 +146,14 @@ public:
     /// Inserts text into the first text-showing operation ("Tj") of a content stream. 0, or -1801 without one.
     int ReplaceTjValue(char* text);
     /// Replaces the data of a stream, packed again when it was packed by /FlateDecode; /Length fits.
-    /// @return 0, or VARNPDF_NO_STREAM (-1802) with nothing changed: no stream, or one with another filter
+    /// @return 0, VARNPDF_NO_STREAM (-1802) with nothing changed: no stream, or one with another filter, or
+    ///         VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
     int ReplaceStream(unsigned char* data, int len);
     /// Lets the appearance stream of a text field show another value: between "/Tx BMC" and its "EMC", in the font, size
     /// and place of the text that stood there. Without text a line is made that fits /BBox, in `font` (null: Helv).
     /// @param value   UTF-8; text that is not UTF-8 is taken to be Latin-1. Shown in WinAnsiEncoding, what it lacks as ?
     /// @param inField 1: in the marked part, which is made when there is none; 0: the first text of the whole content
-    /// @return 0, or VARNPDF_NO_STREAM (-1802) likewise, or VARNPDF_NO_TJ (-1801): no text to replace (`inField` 0)
+    /// @return 0, -1802 or -1014 likewise, or VARNPDF_NO_TJ (-1801): no text to replace (`inField` 0)
     int ReplaceValue(const char* value, CFontObj* font, int inField);
 
     /// The first entry of a dictionary text, or of what is left of one, by the rules of the lookups.
