@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -86,6 +87,24 @@ inline void expectSound(const WorkDirectory& work, const std::string& name) {
     }
     CPdf document;
     EXPECT_EQ(document.Open(work.at(name).c_str(), "rb"), 0);
+}
+
+/// Every "(D:...)" that has the form of a PDF date with zone (ISO 32000-2 7.9.4) as "(DATE)".
+inline std::string maskedDates(std::string text) {
+    constexpr std::string_view kForm = "(D:99999999999999+99'99')";
+    const auto fits = [](char c, char form) {
+        if (form == '9') return c >= '0' && c <= '9';
+        return c == form || (form == '+' && c == '-');
+    };
+    for (std::size_t at = text.find("(D:"); at != std::string::npos; at = text.find("(D:", at + 1)) {
+        if (text.size() - at < kForm.size()) break;
+        if (!std::equal(kForm.begin(), kForm.end(), text.begin() + static_cast<std::ptrdiff_t>(at),
+                        [&](char form, char c) { return fits(c, form); })) {
+            continue;
+        }
+        text.replace(at, kForm.size(), "(DATE)");
+    }
+    return text;
 }
 
 }  // namespace varnpdf::test
