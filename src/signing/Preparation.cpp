@@ -109,7 +109,9 @@ int Preparation::findPage() {
     if (root == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
     const std::string_view value = entryValue(root->content(), "/Count");
     const auto reference = isReference2(value);
-    const auto count = reference ? pdf_.referencedNumber(reference->number) : Cursor(value).takeInt();
+    auto count = reference ? pdf_.referencedNumber(reference->number) : std::nullopt;
+    // A reference that leads to no number still says that there are pages; the page wanted may be there.
+    if (!count) count = Cursor(value).takeInt();
     if (!count) return VARNPDF_PAGE_COUNT_MISSING;
     if (*count <= 0) return VARNPDF_NO_PAGE;
     const int index = request_.page < 0 || request_.page >= *count ? *count - 1 : request_.page;

@@ -155,6 +155,7 @@ TEST(Prepare, PageIndex) {
         EXPECT_TRUE(holds(signedFile(twoPages("2"), {.page = index}), page)) << index;
         EXPECT_TRUE(holds(signedFile(twoPages("5 0 R"), {.page = index}), page)) << index;
     }
+    EXPECT_TRUE(holds(signedFile(twoPages("3 0 R"), {.page = 0}), "/P 3 0 R")) << "leads to no number";
 }
 
 TEST(Prepare, AcroForm) {
