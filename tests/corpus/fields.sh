@@ -1,17 +1,5 @@
 #!/usr/bin/env bash
 # The fields of the corpus as qpdf lists them, and filled. Exit 77 is a skip.
-set -u
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-program=${VARNPDF:?names the program to be tested}
-corpus=${VARNPDF_CORPUS:-$here/../../../shared/corpus}
-if [ ! -f "$corpus/facts.tsv" ]; then
-    echo "skipped: no corpus at $corpus"
-    exit 77
-fi
-for tool in qpdf pdfsig python3; do
-    if ! command -v "$tool" >/dev/null; then
-        echo "skipped: no $tool"
-        exit 77
-    fi
-done
+# shellcheck source=tests/corpus/lib.sh
+. "$(dirname "${BASH_SOURCE[0]}")/lib.sh" qpdf pdfsig python3
 exec python3 "$here/fields.py" "$program" "$corpus"

@@ -10,6 +10,7 @@
 #include "support/LogCapture.h"
 #include "support/OpenedPdf.h"
 #include "support/PdfBuilder.h"
+#include "tests/inspection/OneSignature.h"
 #include "tests/signing/Signing.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfInfo.h"
@@ -19,16 +20,6 @@ namespace {
 
 using namespace std::literals;
 using namespace varnpdf::test;
-
-constexpr const char* kField = "<< /Type /Annot /FT /Sig /T (Sig1) /V 5 0 R >>";
-
-std::string withDictionary(const std::string& body) {
-    return smallDocument().object(4, kField).object(5, body).table().bytes();
-}
-
-std::string withContents(std::string_view contents) {
-    return withByteRanges(smallDocument().object(4, kField).signature(5, contents).table().bytes());
-}
 
 /// The bytes of a signature's part, from a file by its name.
 using Call = int (*)(char*, int, unsigned char*, unsigned long*);

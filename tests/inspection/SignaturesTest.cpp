@@ -9,22 +9,12 @@
 #include "support/LogCapture.h"
 #include "support/OpenedPdf.h"
 #include "support/PdfBuilder.h"
+#include "tests/inspection/OneSignature.h"
 
 namespace {
 
 using namespace std::literals;
 using namespace varnpdf::test;
-
-constexpr const char* kField = "<< /Type /Annot /FT /Sig /T (Sig1) /V 5 0 R >>";
-
-/// A document with one signature field (4) and its signature dictionary (5).
-std::string withDictionary(const std::string& body) {
-    return smallDocument().object(4, kField).object(5, body).table().bytes();
-}
-
-std::string withContents(std::string_view contents) {
-    return withByteRanges(smallDocument().object(4, kField).signature(5, contents).table().bytes());
-}
 
 TEST(Signatures, CountingAndNames) {
     const struct {
