@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <limits>
 #include <new>
+#include <utility>
 
 #include <zlib.h>
 
@@ -42,15 +43,17 @@ void Bytes::reserve(std::size_t capacity) {
     capacity_ = capacity;
 }
 
-std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound, std::size_t* produced) {
+Inflated inflateMost(std::string_view data, std::size_t bound, std::size_t* produced) {
     constexpr std::size_t kFirstRoom = 4096;
     InflateStream inflater;
     z_stream& stream = inflater.get();
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
     std::size_t left = data.size();
-    Bytes out;
+    Inflated result;
+    Bytes& out = result.bytes;
     out.reserve(std::min(bound, std::max(kFirstRoom, data.size() * 4)) + 1);
-    for (;;) {
+    int status = Z_OK;
+    while (status == Z_OK && out.size() <= bound) {
         if (stream.avail_in == 0) {
             stream.avail_in = chunk(left);
             left -= stream.avail_in;
@@ -60,14 +63,19 @@ std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound, std::s
         stream.next_out = reinterpret_cast<Bytef*>(out.data() + out.size());
         stream.avail_out = chunk(out.capacity() - out.size());
         const uInt room = stream.avail_out;
-        const int result = inflate(&stream, Z_NO_FLUSH);
+        status = inflate(&stream, Z_NO_FLUSH);
         out.setSize(out.size() + (room - stream.avail_out));
-        if (produced != nullptr) *produced += room - stream.avail_out;
-        if (out.size() > bound) return std::nullopt;
-        if (result == Z_STREAM_END) return out;
-        if (result != Z_OK) return std::nullopt;
-        if (stream.avail_in == 0 && left == 0 && stream.avail_out != 0) return std::nullopt;
+        if (status == Z_OK && stream.avail_in == 0 && left == 0 && stream.avail_out != 0) break;
     }
+    if (produced != nullptr) *produced += out.size();
+    result.whole = status == Z_STREAM_END && out.size() <= bound;
+    out.setSize(std::min(out.size(), bound));
+    return result;
+}
+
+std::optional<Bytes> inflateAll(std::string_view data, std::size_t bound, std::size_t* produced) {
+    Inflated result = inflateMost(data, bound, produced);
+    return result.whole ? std::optional(std::move(result.bytes)) : std::nullopt;
 }
 
 }  // namespace varnpdf

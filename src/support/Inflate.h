@@ -28,6 +28,15 @@ private:
     std::size_t capacity_ = 0;
 };
 
+/// What came out of data that may be damaged.
+struct Inflated {
+    Bytes bytes;         ///< at most the bound
+    bool whole = false;  ///< false: the data is damaged, ends too early or holds more than the bound
+};
+
+/// As much of the content of one zlib stream as can be had; bytes behind its end are ignored. `produced`: see below.
+Inflated inflateMost(std::string_view data, std::size_t bound, std::size_t* produced = nullptr);
+
 /// The whole content of one zlib stream; bytes behind its end are ignored. Nothing when the data is damaged, ends too
 /// early or would be longer than `bound`.
 /// `produced`, when given, grows by the bytes that came out, also of data that is refused: work that a caller's budget

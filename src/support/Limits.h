@@ -25,6 +25,12 @@ inline constexpr std::size_t kInflateFactor = 1490;
 /// a fixed part for small files and a part that grows with the file.
 inline constexpr std::size_t kInflatedBytesBase = std::size_t{256} << 20U;
 inline constexpr std::size_t kInflatedBytesPerByte = 20;
+/// Filters of one stream; each may unfold what the one before it gave.
+inline constexpr std::size_t kStreamFilters = 8;
+/// White space between the data of a stream and the keyword that ends it.
+inline constexpr std::size_t kBlanksBehindStream = 4096;
+/// References to references that are followed; a loop ends here.
+inline constexpr int kReferenceChain = 8;
 /// Objects may overlap in damaged files; together they may cover the file only so many times.
 inline constexpr std::size_t kObjectBytesBase = std::size_t{64} << 20U;
 inline constexpr std::size_t kObjectBytesPerByte = 8;
