@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "varnpdf/PdfHelper.h"
+#include "syntax/Dates.h"
 
 namespace varnpdf {
 
@@ -43,11 +43,7 @@ bool ObjectFile::flush() noexcept {
     return good();
 }
 
-std::string creationDate() {
-    char date[24] = {};
-    CPdfHelper::NowPDF(date);
-    return date;
-}
+std::string creationDate() { return pdfDate(std::time(nullptr)); }
 
 void putTrailer(ObjectFile& out, std::uint64_t table) {
     out.put("trailer\n", "<<\n", "/Size ", out.size(), "\n", "/Root 2 0 R\n", "/Info 1 0 R\n", "/ID ", kIdentifier,

@@ -4,20 +4,14 @@
 #include <algorithm>
 #include <array>
 
+#include "syntax/Encoding.h"
+
 namespace varnpdf {
 namespace {
 
 constexpr std::size_t kColumns = 80;
 constexpr std::size_t kTab = 8;
 constexpr int kFullPage = 54;  // a page with more entries is written
-
-// The places of ü ä Ä ö Ö Ü ß in code page 437 and in WinAnsiEncoding.
-struct Replaced {
-    unsigned char dos;
-    unsigned char winAnsi;
-};
-constexpr Replaced kReplaced[] = {{129, 0xFC}, {132, 0xE4}, {142, 0xC4}, {148, 0xF6},
-                                  {153, 0xD6}, {154, 0xDC}, {225, 0xDF}};
 
 enum Class : unsigned char { kPlain, kControl, kEscaped, kDosLetter };
 
@@ -26,7 +20,7 @@ constexpr std::array<Class, 256> kClasses = [] {
     for (std::size_t byte = 0; byte < ' '; ++byte) classes[byte] = kControl;
     classes[127] = kControl;
     for (const char c : {'\'', '(', ')', '\\'}) classes[static_cast<unsigned char>(c)] = kEscaped;
-    for (const Replaced& letter : kReplaced) classes[letter.dos] = kDosLetter;
+    for (const DosLetter& letter : kDosLetters) classes[letter.dos] = kDosLetter;
     return classes;
 }();
 
@@ -81,8 +75,8 @@ void putTextFoot(ObjectFile& out, int pages) {
 }
 
 std::string octalEscape(unsigned char byte, TextCode code) {
-    const auto letter = std::ranges::find(kReplaced, byte, &Replaced::dos);
-    if (code == TextCode::kDos && letter != std::end(kReplaced)) byte = letter->winAnsi;
+    const auto letter = std::ranges::find(kDosLetters, byte, &DosLetter::dos);
+    if (code == TextCode::kDos && letter != std::end(kDosLetters)) byte = letter->winAnsi;
     return text('\\', byte >> 6U, (byte >> 3U) & 7U, byte & 7U);
 }
 

@@ -1,20 +1,14 @@
-// UTF-8 read piece by piece, and its characters in WinAnsiEncoding.
+// UTF-8 files read block by block, and their characters in WinAnsiEncoding.
 #include "conversion/Utf8Text.h"
 
 #include <algorithm>
-#include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace varnpdf {
 namespace {
 
-constexpr char32_t kLastCharacter = 0x10FFFF;
 constexpr char32_t kByteOrderMark = 0xFEFF;
-
-// The bytes 128 to 159; 0 where the encoding has nothing.
-constexpr char16_t kUpper[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-                                 0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-                                 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
 struct Similar {
     char16_t character;
@@ -24,9 +18,8 @@ constexpr Similar kSimilar[] = {{0x2007, ' '}, {0x2009, ' '}, {0x2010, '-'}, {0x
                                 {0x2012, '-'}, {0x202F, ' '}, {0x2212, '-'}};
 
 char winAnsi(char32_t character) {
-    if (character < 0x80 || (character >= 0xA0 && character <= 0xFF)) return static_cast<char>(character);
-    const auto upper = std::ranges::find(kUpper, character);
-    if (character != 0 && upper != std::end(kUpper)) return static_cast<char>(0x80 + (upper - kUpper));
+    if (character < 0x80) return static_cast<char>(character);
+    if (const auto code = winAnsiCode(character)) return *code;
     const auto similar = std::ranges::find(kSimilar, character, &Similar::character);
     return similar != std::end(kSimilar) ? similar->winAnsi : '?';
 }
@@ -45,28 +38,6 @@ std::size_t asciiPrefix(std::string_view bytes) {
 }
 
 }  // namespace
-
-Utf8Reader::Step Utf8Reader::take(unsigned char byte) noexcept {
-    if (left_ > 0) {
-        if ((byte & 0xC0U) != 0x80) return Step::kInvalid;
-        character_ = (character_ << 6U) | (byte & 0x3FU);
-        if (--left_ > 0) return Step::kMore;
-        const bool surrogate = character_ >= 0xD800 && character_ <= 0xDFFF;
-        const bool good = character_ >= least_ && character_ <= kLastCharacter && !surrogate;
-        return good ? Step::kCharacter : Step::kInvalid;
-    }
-    const int ones = std::countl_one(byte);
-    if (ones == 0) {
-        character_ = byte;
-        return Step::kCharacter;
-    }
-    if (ones == 1 || ones > 4) return Step::kInvalid;
-    constexpr char32_t kLeast[] = {0, 0, 0x80, 0x800, 0x10000};
-    least_ = kLeast[ones];
-    character_ = byte & (0x7FU >> static_cast<unsigned>(ones));
-    left_ = ones - 1;
-    return Step::kMore;
-}
 
 bool Utf8Check::add(std::string_view bytes) noexcept {
     while (valid_ && !bytes.empty()) {

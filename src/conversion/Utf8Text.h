@@ -1,26 +1,12 @@
-// UTF-8 read piece by piece, and its characters in WinAnsiEncoding.
+// UTF-8 files read block by block, and their characters in WinAnsiEncoding.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "syntax/Encoding.h"
+
 namespace varnpdf {
-
-/// Decodes UTF-8 (RFC 3629) that comes in pieces.
-class Utf8Reader {
-public:
-    enum class Step { kMore, kCharacter, kInvalid };
-    /// Takes one byte; the character is then `character()`.
-    Step take(unsigned char byte) noexcept;
-    [[nodiscard]] char32_t character() const noexcept { return character_; }
-    [[nodiscard]] bool inside() const noexcept { return left_ > 0; }
-
-private:
-    char32_t character_ = 0;
-    char32_t least_ = 0;
-    int left_ = 0;
-};
 
 /// Whether everything seen is UTF-8, with at least one character beyond ASCII.
 class Utf8Check {

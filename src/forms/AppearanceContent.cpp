@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "forms/TextString.h"
 #include "support/Inflate.h"
 #include "support/Limits.h"
 #include "support/Text.h"

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
-#include "forms/TextString.h"
 #include "support/Limits.h"
 #include "syntax/Dictionary.h"
+#include "syntax/Encoding.h"
 #include "syntax/Lexer.h"
 #include "syntax/Values.h"
 
@@ -47,7 +47,7 @@ void FieldLocks::add(std::string_view dictionary, const References& references) 
         if (all_) return;
         const auto name = stringOf(written);
         if (!name || name->empty()) continue;
-        Node* const node = nodeOf(toUtf8(decodeTextString(*name)));
+        Node* const node = nodeOf(toUtf8(fromTextString(*name)));
         if (node == nullptr) return;
         if (!excludes) {
             node->included = true;

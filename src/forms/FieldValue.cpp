@@ -5,11 +5,11 @@
 #include <cmath>
 
 #include "forms/AppearanceContent.h"
-#include "forms/TextString.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
+#include "syntax/Encoding.h"
 #include "syntax/Values.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/result.h"
@@ -54,7 +54,7 @@ int varnpdf::replaceShownValue(CPdfObj& appearance, std::string_view value, cons
                                std::size_t& budget) {
     const auto parts = streamParts(appearance.content(), NoReferences{}, budget);
     if (!parts) return VARNPDF_NO_STREAM;
-    const std::string codes = winAnsi(fromUtf8(value));
+    const std::string codes = winAnsi(fromUtf8OrLatin1(value));
     const auto marked = markedText(parts->data);
     auto replaced = inField == 0 || marked || !codes.empty() ? withShownCodes(parts->data, codes) : std::nullopt;
     if (!replaced && inField == 0) return VARNPDF_NO_TJ;

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "forms/TextString.h"
 #include "syntax/Dictionary.h"
+#include "syntax/Encoding.h"
 #include "syntax/Lexer.h"
 #include "syntax/Values.h"
 
@@ -131,7 +131,7 @@ void FormTree::visit(Node node, std::vector<Node>& stack) {
     const auto partial = stringOf(written);
     const bool isWidget = node.field != kNoField && !partial;
     if (!isWidget) {
-        if (partial) node.prefix = joined(node.prefix, toUtf8(decodeTextString(*partial)));
+        if (partial) node.prefix = joined(node.prefix, toUtf8(fromTextString(*partial)));
         node.attributes = withOwn(node.attributes, own);
     }
     const std::vector<CPdfObj*> below =

@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "forms/TextString.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Values.h"

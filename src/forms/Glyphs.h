@@ -1,10 +1,12 @@
-// The glyphs of Latin text and the encodings made of them (ISO 32000-2 annex D).
+// The glyphs of Latin text and StandardEncoding (ISO 32000-2 annex D).
 #pragma once
 
 #include <array>
 #include <optional>
 #include <span>
 #include <string_view>
+
+#include "syntax/Encoding.h"
 
 namespace varnpdf {
 
@@ -27,11 +29,7 @@ const Glyph* glyphOf(char32_t character) noexcept;
 /// The character of a glyph name ("Adieresis", "uni00C4", "u1F600"); nothing for a name that says no character.
 std::optional<char32_t> characterOf(std::string_view glyphName);
 
-/// Characters by code, 0 for codes without one.
-using Encoding = std::array<char32_t, 256>;
-const Encoding& winAnsiEncoding();
-const Encoding& macRomanEncoding();
+/// StandardEncoding, made of the codes of the glyphs.
 const Encoding& standardEncoding();
-const Encoding& pdfDocEncoding();
 
 }  // namespace varnpdf

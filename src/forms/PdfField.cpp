@@ -3,12 +3,13 @@
 #include <cstring>
 
 #include "forms/FieldValue.h"
-#include "forms/TextString.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
 #include "support/Log.h"
 #include "support/StagedFile.h"
 #include "syntax/Dictionary.h"
+#include "syntax/Encoding.h"
+#include "syntax/Values.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/result.h"
 
@@ -98,7 +99,7 @@ void CPdfField::UpdateValues(CFontObj* defaultFont) {
 void CPdfField::updateValues(CFontObj* defaultFont, std::size_t& budget) {
     if (!newValue_) return;
     std::string text(orgObj_.content());
-    setEntry(text, "/V", textStringObject(fromUtf8(*newValue_)));
+    setEntry(text, "/V", textStringObject(fromUtf8OrLatin1(*newValue_)));
     setEntry(text, "/RV", "");
     orgObj_.setContent(text);
     const CFontObj* const font = font_ != nullptr ? font_ : defaultFont;
@@ -170,8 +171,7 @@ std::string CPdfFieldContainer::dump() {
         ++count;
         const std::string_view value = field->orgValue();
         const bool wide = value.starts_with("\xFE\xFF");
-        append(lines, field->tag_.value_or(""), '=', wide ? toUtf8(decodeTextString(value)) : std::string(value),
-               "\r\n");
+        append(lines, field->tag_.value_or(""), '=', wide ? toUtf8(fromTextString(value)) : std::string(value), "\r\n");
     }
     return text("FieldCount=", count, "\r\n", lines);
 }

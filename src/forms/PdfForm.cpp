@@ -6,8 +6,8 @@
 
 #include "forms/FormTree.h"
 #include "forms/FormUpdate.h"
-#include "forms/TextString.h"
 #include "support/Log.h"
+#include "syntax/Encoding.h"
 #include "syntax/Lexer.h"
 #include "syntax/Values.h"
 #include "varnpdf/result.h"
@@ -39,7 +39,7 @@ namespace {
 std::optional<std::string> shownValue(std::string_view value, const FormTree& tree) {
     const CPdfObj* const object = tree.object(value);
     value = tree.follow(value);
-    if (const auto bytes = stringOf(value)) return toUtf8(decodeTextString(*bytes));
+    if (const auto bytes = stringOf(value)) return toUtf8(fromTextString(*bytes));
     if (value.starts_with('/')) return nameOf(value);
     if (value.starts_with('[')) {
         std::string lines;
@@ -47,13 +47,13 @@ std::optional<std::string> shownValue(std::string_view value, const FormTree& tr
         tokens.next();
         while (const auto element = tokens.nextValue()) {
             const auto bytes = stringOf(tree.follow(*element));
-            if (bytes) append(lines, lines.empty() ? "" : "\n", toUtf8(decodeTextString(*bytes)));
+            if (bytes) append(lines, lines.empty() ? "" : "\n", toUtf8(fromTextString(*bytes)));
         }
         return lines;
     }
     std::size_t budget = limits::kAppearanceBytes;
     const auto parts = object == nullptr ? std::nullopt : streamParts(object->content(), tree, budget);
-    return parts ? toUtf8(decodeTextString(parts->data)) : std::optional<std::string>();
+    return parts ? toUtf8(fromTextString(parts->data)) : std::optional<std::string>();
 }
 
 }  // namespace
@@ -147,7 +147,7 @@ int CPdfForm::SetValue(const char* name, const char* value) {
     try {
         if (!state_ || name == nullptr || value == nullptr) return VARNPDF_FIELD_MISSING;
         if (state_->pdf.get_lockstate() == 1) return VARNPDF_LOCKED;
-        const std::u32string characters = fromUtf8(value);
+        const std::u32string characters = fromUtf8OrLatin1(value);
         const auto [begin, end] = state_->byName.equal_range(name);
         if (begin == end) return VARNPDF_FIELD_MISSING;
         for (auto it = begin; it != end; ++it) {

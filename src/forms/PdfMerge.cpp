@@ -7,9 +7,9 @@
 
 #include "forms/FormTree.h"
 #include "forms/FormUpdate.h"
-#include "forms/TextString.h"
 #include "support/Log.h"
 #include "syntax/Dictionary.h"
+#include "syntax/Encoding.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/result.h"
@@ -48,7 +48,7 @@ void putValues(CPdf& doc, CPdfFieldContainer& container) {
         CPdfObj* const object = doc.get_pdf_obj_from_map(number);
         const FormField field = found != known.end() ? *found->second : loneField(*object);
         const bool isText = field.attributes.type.empty() || field.attributes.type == "/Tx";
-        if (isText) update.setValue(field, fromUtf8(changed.GetNewValue()));
+        if (isText) update.setValue(field, fromUtf8OrLatin1(changed.GetNewValue()));
     }
     update.write();
 }

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "forms/TextString.h"
 #include "support/Text.h"
 #include "syntax/CharClass.h"
 #include "syntax/Lexer.h"

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "inspection/Der.h"
 #include "syntax/CharClass.h"
+#include "syntax/Der.h"
 #include "syntax/Reference.h"
 
 namespace varnpdf {

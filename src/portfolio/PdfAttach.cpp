@@ -15,6 +15,7 @@
 #include "support/StagedFile.h"
 #include "support/Text.h"
 #include "syntax/CharClass.h"
+#include "syntax/Encoding.h"
 #include "syntax/Values.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/result.h"
@@ -149,10 +150,10 @@ std::string Attachment::fileSpec() const {
 
 // Units of 16 bits behind a mark that is no byte order mark: hosts and older files know the keys by it.
 std::string Attachment::key() const {
-    const std::string text = textString(name_);
-    const bool isWide = text.starts_with("\xfe\xff");
+    const auto characters = fromUtf8(name_);
+    const bool isLatin1 = characters && std::ranges::all_of(*characters, [](char32_t c) { return c < 0x100; });
     std::string key = "\xef\xbf";
-    for (const char c : isWide ? name_ : std::string_view(text)) {
+    for (const char c : isLatin1 ? latin1FromUtf8(name_).text : std::string(name_)) {
         key.push_back('\0');
         key.push_back(c);
     }

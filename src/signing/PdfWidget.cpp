@@ -4,6 +4,7 @@
 #include "signing/Appearance.h"
 #include "support/Log.h"
 #include "syntax/Dates.h"
+#include "syntax/Encoding.h"
 #include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfHelper.h"
@@ -19,14 +20,6 @@ namespace {
 
 constexpr std::string_view kVersion = "2.10.0.0";
 constexpr std::size_t kByteRangeRoom = 30;
-
-std::string latin1(const char* utf8) {
-    std::string in(viewOf(utf8));
-    std::string out(in.size() + 1, '\0');
-    CTokHelp::ConvertUTF8ToISO88591(in.data(), out.data());
-    out.resize(std::char_traits<char>::length(out.c_str()));
-    return out;
-}
 
 // The first number from the start on that no existing field has.
 int freeFieldNumber(int start, const std::vector<std::string>& names, const ClassLogger& logger) {
@@ -104,7 +97,7 @@ void CPdf::WriteSigBlock(CPdfXRefEntry* entry, int objnum, int gen, CPdfSigInfo*
     append(out, "/M (", convert8824DoubleH(viewOf(signDate)), ")\r\n");
     append(out, "/Filter /Korvane.varnapi\r\n");
     append(out, isUserETSISubFilter() ? "/SubFilter /ETSI.CAdES.detached\r\n" : "/SubFilter /adbe.pkcs7.detached\r\n");
-    append(out, "/R 65537\r\n", "/Name (", latin1(name), ")\r\n", "/Contents ");
+    append(out, "/R 65537\r\n", "/Name (", latin1FromUtf8(viewOf(name)).text, ")\r\n", "/Contents ");
     print(out);
 
     info->SetOffset0(0);

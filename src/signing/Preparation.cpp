@@ -12,6 +12,7 @@
 #include "reader/SectionText.h"
 #include "signing/Image.h"
 #include "support/ResultText.h"
+#include "syntax/Encoding.h"
 #include "syntax/Reference.h"
 #include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 
+#include "syntax/Der.h"
 #include "syntax/Readers.h"
 #include "syntax/Reference.h"
 #include "varnpdf/TokHelp.h"
@@ -245,6 +247,12 @@ char* CPdfHelper::left(char* s, int n) {
 int CPdfHelper::String2Int(char* s) { return CTokHelp::String2Int(s); }
 bool CPdfHelper::IsEOL(char c) { return varnpdf::isEol(c); }
 void CPdfHelper::AppendCharToString(char* s, char c) { CTokHelp::AppendCharToString(s, c); }
+
+int CPdfHelper::getSeqLength(const unsigned char* der, int len) {
+    if (der == nullptr || len < 1) return -1;
+    const auto length = varnpdf::derElementLength({reinterpret_cast<const char*>(der), toSize(len)});
+    return length && *length <= toSize(std::numeric_limits<int>::max()) ? toInt(*length) : -1;
+}
 
 int CPdfHelper::potenz(int base, int exp) {
     auto square = static_cast<unsigned>(base);

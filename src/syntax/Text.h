@@ -1,4 +1,4 @@
-// Searching, trimming, replacing, hexadecimal, UTF-8 and escapes on views.
+// Searching, trimming, replacing, hexadecimal and escapes on views.
 #pragma once
 
 #include <cstddef>
@@ -34,18 +34,6 @@ std::optional<std::string_view> word(std::string_view text, int index) noexcept;
 
 /// Lower-case digit pairs, with `separator` between them unless it is NUL.
 std::string toHex(std::string_view bytes, char separator = '\0');
-
-/// One bits from bit 7 downwards.
-int highOnes(unsigned char c) noexcept;
-/// Every lead byte is followed by the continuation bytes it announces.
-bool isUtf8(std::string_view text) noexcept;
-
-struct Latin1Text {
-    std::string text;
-    int replaced = 0;  ///< characters that became spaces
-};
-/// Latin-1 of UTF-8 text; text that is not UTF-8 is taken to be Latin-1.
-Latin1Text latin1FromUtf8(std::string_view text);
 
 /// The body of a literal string with its escapes undone, or nothing when it holds none. Octal escapes become 0 bytes.
 std::optional<std::string> decodeLiteral(std::string_view body);

@@ -7,9 +7,9 @@
 #include <new>
 
 #include "syntax/Cursor.h"
+#include "syntax/Encoding.h"
 #include "syntax/Readers.h"
 #include "syntax/Text.h"
-#include "syntax/Utf8.h"
 
 namespace {
 
@@ -154,7 +154,7 @@ int CTokHelp::GenHexOutput(char* out, unsigned char* data, unsigned len) {
 
 int CTokHelp::high_ones(int c) { return varnpdf::highOnes(static_cast<unsigned char>(c)); }
 
-bool CTokHelp::is_utf8_byte_stream(char* s) { return s != nullptr && varnpdf::isUtf8(s); }
+bool CTokHelp::is_utf8_byte_stream(char* s) { return s != nullptr && varnpdf::isUtf8Stream(s); }
 
 int CTokHelp::utf8_getc(unsigned char** p) {
     constexpr std::size_t kLongest = 6;

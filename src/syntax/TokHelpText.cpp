@@ -3,7 +3,6 @@
 
 #include "syntax/Cursor.h"
 #include "syntax/Text.h"
-#include "syntax/Utf8.h"
 
 namespace varnpdf {
 
@@ -69,49 +68,6 @@ std::string toHex(std::string_view bytes, char separator) {
         hex += kLower[byte & 0x0FU];
     }
     return hex;
-}
-
-int highOnes(unsigned char c) noexcept {
-    int ones = 0;
-    while (ones < 8 && (c & (0x80U >> static_cast<unsigned>(ones))) != 0) ++ones;
-    return ones;
-}
-
-bool isUtf8(std::string_view text) noexcept {
-    int expected = 0;
-    for (const char c : text) {
-        const int ones = highOnes(static_cast<unsigned char>(c));
-        if ((ones == 1) != (expected > 0)) return false;
-        expected = ones == 1 ? expected - 1 : std::max(ones - 1, 0);
-    }
-    return expected == 0;
-}
-
-int takeUtf8(std::string_view text, std::size_t& at) noexcept {
-    const auto lead = static_cast<unsigned char>(text[at++]);
-    const int ones = highOnes(lead);
-    if (ones == 0) return lead;
-    if (ones == 1 || ones > 6) return kBadUtf8;
-    unsigned value = lead & (0x7FU >> static_cast<unsigned>(ones));
-    for (int more = ones - 1; more > 0; --more) {
-        if (at == text.size()) return kUtf8End;
-        const auto next = static_cast<unsigned char>(text[at]);
-        if (highOnes(next) != 1) return kBadUtf8;
-        value = (value << 6U) | (next & 0x3FU);
-        ++at;
-    }
-    return static_cast<int>(value);
-}
-
-Latin1Text latin1FromUtf8(std::string_view text) {
-    Latin1Text latin1;
-    if (!isUtf8(text)) return {std::string(text), 0};
-    for (std::size_t at = 0; at < text.size();) {
-        const int c = takeUtf8(text, at);
-        if (c > 0xFF) ++latin1.replaced;
-        latin1.text += c > 0xFF ? ' ' : static_cast<char>(c);
-    }
-    return latin1;
 }
 
 namespace {

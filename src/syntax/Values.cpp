@@ -5,8 +5,8 @@
 
 #include "support/Text.h"
 #include "syntax/CharClass.h"
+#include "syntax/Encoding.h"
 #include "syntax/Lexer.h"
-#include "syntax/Utf8.h"
 
 namespace varnpdf {
 namespace {
@@ -64,9 +64,16 @@ std::string hexBytes(std::string_view body) {
     return out;
 }
 
-void appendUnit(std::string& out, char32_t unit) {
-    out.push_back(static_cast<char>(unit >> 8U & 0xffU));
-    out.push_back(static_cast<char>(unit & 0xffU));
+constexpr std::string_view kUtf16Mark = "\xFE\xFF";
+
+std::string hexString(std::string_view bytes) {
+    constexpr std::string_view kUpper = "0123456789ABCDEF";
+    std::string out = "<";
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        append(out, kUpper[byte >> 4U], kUpper[byte & 0x0FU]);
+    }
+    return out + '>';
 }
 
 }  // namespace
@@ -164,26 +171,13 @@ std::string asciiString(std::string_view bytes) {
 }
 
 std::string textString(std::string_view utf8) {
-    const auto characters = charactersOf(utf8);
-    if (!characters) return std::string(utf8);
-    std::string latin;
-    std::string wide = "\xfe\xff";
-    bool isLatin = true;
-    for (const char32_t c : *characters) {
-        // PDFDocEncoding has other characters, or none, at 0x18 to 0x1f, 0x7f to 0xa0 and 0xad.
-        isLatin = isLatin && (c < 0x18 || (c > 0x1f && c < 0x7f) || (c > 0xa0 && c < 0x100 && c != 0xad));
-        if (isLatin) latin.push_back(static_cast<char>(c));
-        if (c < 0x10000) {
-            appendUnit(wide, c);
-        } else {
-            appendUnit(wide, 0xd800 + ((c - 0x10000) >> 10U));
-            appendUnit(wide, 0xdc00 + ((c - 0x10000) & 0x3ffU));
-        }
-    }
-    // Latin-1 text that begins like a byte order mark would be read as UTF-16 or UTF-8.
-    const bool misleading =
-        latin.starts_with("\xfe\xff") || latin.starts_with("\xff\xfe") || latin.starts_with("\xef\xbb\xbf");
-    return isLatin && !misleading ? latin : wide;
+    const auto characters = fromUtf8(utf8);
+    return characters ? toTextString(*characters) : std::string(utf8);
+}
+
+std::string textStringObject(std::u32string_view characters) {
+    const std::string bytes = toTextString(characters);
+    return bytes.starts_with(kUtf16Mark) ? hexString(bytes) : asciiString(bytes);
 }
 
 }  // namespace varnpdf

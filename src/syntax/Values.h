@@ -26,8 +26,10 @@ std::optional<std::vector<std::string_view>> itemsOf(std::string_view value);
 std::string literalString(std::string_view bytes);
 /// The same in printable ASCII, without any of the words that end an object or a stream.
 std::string asciiString(std::string_view bytes);
-/// The bytes of a text string (ISO 32000-2 7.9.2.2) for UTF-8 text: PDFDocEncoding where Latin-1 will do, else UTF-16.
-/// Bytes that are no UTF-8 stay as they are.
+/// The bytes of a text string (ISO 32000-2 7.9.2.2) for UTF-8 text. Bytes that are no UTF-8 stay as they are.
 std::string textString(std::string_view utf8);
+/// A string object for a text string: literal where PDFDocEncoding will do, else hexadecimal. The words that end an
+/// object or a stream never stand in it, so that readers which search for them are not misled.
+std::string textStringObject(std::u32string_view characters);
 
 }  // namespace varnpdf

@@ -296,7 +296,7 @@ TEST(Attach, NamesThatNeedCare) {
     const std::string pdf = dir.file("a.pdf", withCatalogue("").table().bytes());
     EXPECT_EQ(attach(pdf, dir.file("\xc3\x84.txt", "x")), 0);
     EXPECT_EQ(attach(pdf, dir.file("\xe2\x82\xac.txt", "x")), 0);
-    EXPECT_EQ(embedded(pdf), "\xc4.txt=\xc4.txt:x \xe2\x82\xac.txt=\xfe\xff\x20\xac\0.\0t\0x\0t:x"s);
+    EXPECT_EQ(embedded(pdf), "\xc4.txt=\xc4.txt:x \xe2\x82\xac.txt=\xa0.txt:x");
 }
 
 TEST(Attach, DocumentsOfEveryKind) {

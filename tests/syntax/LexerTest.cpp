@@ -101,19 +101,4 @@ TEST(Values, Strings) {
     }
 }
 
-TEST(Values, TextStrings) {
-    const struct {
-        std::string_view utf8, text;
-    } rows[] = {
-        {"a b", "a b"},
-        {"\xc3\x84.pdf", "\xc4.pdf"},
-        {"\xe2\x82\xac", "\xfe\xff\x20\xac"},
-        {"a\xf0\x9f\x98\x80", "\xfe\xff\0a\xd8\x3d\xde\0"sv},
-        {"\xc2\xad", "\xfe\xff\0\xad"sv},
-        {"\xc3\xbe\xc3\xbfx", "\xfe\xff\0\xfe\0\xff\0x"sv},  // would look like a byte order mark
-        {"\xe4.pdf", "\xe4.pdf"},                            // not UTF-8
-    };
-    for (const auto& [utf8, text] : rows) EXPECT_EQ(textString(utf8), text) << utf8;
-}
-
 }  // namespace

@@ -1,9 +1,7 @@
 // Length of a DER or BER element.
-#include "inspection/Der.h"
+#include "syntax/Der.h"
 
 #include <limits>
-
-#include "varnpdf/PdfHelper.h"
 
 namespace varnpdf {
 namespace {
@@ -57,10 +55,3 @@ std::optional<std::size_t> derElementLength(std::string_view der, int nesting) {
 }
 
 }  // namespace varnpdf
-
-int CPdfHelper::getSeqLength(const unsigned char* der, int len) {
-    if (der == nullptr || len < 1) return -1;
-    const auto length = varnpdf::derElementLength({reinterpret_cast<const char*>(der), static_cast<std::size_t>(len)});
-    return length && *length <= static_cast<std::size_t>(std::numeric_limits<int>::max()) ? static_cast<int>(*length)
-                                                                                          : -1;
-}
