@@ -2,9 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,22 +16,10 @@
 #include "varnpdf/export.h"
 
 namespace varnpdf {
-class Bytes;
-class FormUpdate;
-class KeywordSearch;
-class ObjectTable;
-class Preparation;
-class SecurityStore;
+struct Access;
 struct Appearance;
-struct ByteRange;
 struct FieldReading;
-struct FieldWidths;
-struct IndexPair;
-struct LockAnswers;
-struct ObjectList;
-struct PageNode;
-struct PageTree;
-struct SectionTexts;
+struct PdfState;
 }  // namespace varnpdf
 
 class CPdfFieldContainer;
@@ -73,19 +59,19 @@ public:
     /// The document's line end as text, "" when unknown.
     [[nodiscard]] std::string the_line_end() const;
     /// The stored line-end type, as `CheckLineEndType` returns it.
-    [[nodiscard]] int GetLineEndType() const { return lineEndType_; }
+    [[nodiscard]] int GetLineEndType() const;
     /// Closes the file if it is open; content and objects stay.
     void Close();
     void set_pdf_file_name(char* name);
     /// Header version, e.g. 1.7.
-    [[nodiscard]] float GetPDFVersion() const { return version_; }
+    [[nodiscard]] float GetPDFVersion() const;
     /// 1 when the newest trailer carries /Encrypt, else 0.
-    [[nodiscard]] int PdfIsEncrypted() const { return encrypted_; }
-    [[nodiscard]] bool get_IsLinearized() const { return linearized_; }
+    [[nodiscard]] int PdfIsEncrypted() const;
+    [[nodiscard]] bool get_IsLinearized() const;
     /// The document's bytes, NUL-terminated, owned by the document; null when none are held.
-    [[nodiscard]] unsigned char* GetContent() { return content_.get(); }
+    [[nodiscard]] unsigned char* GetContent();
     /// Number of bytes of the document; in a document made from nothing the terminator counts as well.
-    [[nodiscard]] unsigned int GetContentLen() const { return contentLen_; }
+    [[nodiscard]] unsigned int GetContentLen() const;
 
     // --- searching the bytes ---------------------------------------------------------------------------------------
 
@@ -123,16 +109,13 @@ public:
     int SetPdfObjArrayResize(int size);
     /// Always 1.
     int IstObjPosKorrekt(int objnum, int offset);
-    [[nodiscard]] int GetObjNum() const { return objectCount_; }
-    void SetObjNum(int count) { objectCount_ = count; }
+    [[nodiscard]] int GetObjNum() const;
+    void SetObjNum(int count);
     /// Takes over a pair of object numbers.
     void AddListItem(CPdfObjTransferListItem* item);
-    [[nodiscard]] int GetListItemCount() const { return static_cast<int>(transfers_.size()); }
+    [[nodiscard]] int GetListItemCount() const;
     /// One of the pairs (from 0), or null. Owned by the document.
-    [[nodiscard]] const CPdfObjTransferListItem* GetListItem(int index) const {
-        const bool exists = index >= 0 && static_cast<std::size_t>(index) < transfers_.size();
-        return exists ? transfers_[static_cast<std::size_t>(index)].get() : nullptr;
-    }
+    [[nodiscard]] const CPdfObjTransferListItem* GetListItem(int index) const;
     /// Logs the object table at debug level.
     void DebugShowObjectInfo();
     /// Logs the trailers at debug level.
@@ -156,11 +139,11 @@ public:
     /// Reads all sections and loads all objects; false when that cannot be done.
     bool RetrieveObjects();
     /// The newest section's trailer, or null. Owned by the document.
-    [[nodiscard]] CPdfTrailer* GetLastTrailer() const { return lastTrailer_.get(); }
+    [[nodiscard]] CPdfTrailer* GetLastTrailer() const;
     /// The trailer prepared for an update, or null. Owned by the document.
-    [[nodiscard]] CPdfTrailer* GetUpdateTrailer() const { return updateTrailer_.get(); }
+    [[nodiscard]] CPdfTrailer* GetUpdateTrailer() const;
     /// Number of sections behind the newest one, in the order they were read.
-    [[nodiscard]] int GetTrailerCount() const { return static_cast<int>(trailers_.size()); }
+    [[nodiscard]] int GetTrailerCount() const;
     /// One of them (from 0), or null. Owned by the document.
     [[nodiscard]] CPdfTrailer* GetTrailer(int index) const;
 
@@ -227,7 +210,7 @@ public:
     /// The same certificate as bytes; also -117 when its digits cannot be decoded.
     int GetSignaturePKCS1Cert(int index, int certificate, unsigned char* buffer, unsigned long* length);
     /// The register filled by `PdfGetNumSignatures`. Owned by the document.
-    [[nodiscard]] CPdfSigInfo* GetSigInfo() { return &sigInfo_; }
+    [[nodiscard]] CPdfSigInfo* GetSigInfo();
 
     // --- appended updates ------------------------------------------------------------------------------------------
     // Full mode: the stream first receives the old document. Tail mode: it receives the appended part only, and file
@@ -239,7 +222,7 @@ public:
     int WriteOld2ByteStream();
     /// The stream's bytes, owned by the document, valid until the next write.
     [[nodiscard]] const char* GetByteStream() const;
-    [[nodiscard]] int GetByteStreamLen() const { return static_cast<int>(output_.tell()); }
+    [[nodiscard]] int GetByteStreamLen() const;
     /// Writes one object and records it in the container, at its offset in full mode.
     void WriteTextAnnotation(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfObj* obj);
     /// Writes the cross-reference table of the container and the trailer; `renewId` renews the second part of /ID.
@@ -290,19 +273,19 @@ public:
     int WriteAndClose();
     /// Sets the fixed file identifier of documents from nothing, <123456>.
     void CreateIdent();
-    [[nodiscard]] std::string GetIdent() const { return ident_; }
+    [[nodiscard]] std::string GetIdent() const;
     /// Makes the catalogue of a portfolio and sets the root object number. The arguments are values as they stand in
     /// the file: `collection` the further entries of the collection dictionary, the last three "" for no such entry.
     /// @return the result of `CreateObject`
     int CreateRoot(std::string openAction, std::string names, std::string pages, std::string collection,
                    std::string metadata, std::string pageLabels, std::string outputIntents);
-    [[nodiscard]] int GetRootObjNum() const { return rootObjNum_; }
-    void SetRootObjNum(int objnum) { rootObjNum_ = objnum; }
-    [[nodiscard]] int GetPagesParent() const { return pagesParent_; }
-    void SetPagesParent(int objnum) { pagesParent_ = objnum; }
+    [[nodiscard]] int GetRootObjNum() const;
+    void SetRootObjNum(int objnum);
+    [[nodiscard]] int GetPagesParent() const;
+    void SetPagesParent(int objnum);
     /// Offset of the cross-reference table of a document from nothing.
-    [[nodiscard]] int GetXRefStartPos() const { return xrefStartPos_; }
-    void SetXRefStartPos(int pos) { xrefStartPos_ = pos; }
+    [[nodiscard]] int GetXRefStartPos() const;
+    void SetXRefStartPos(int pos);
 
     // --- objects of the table --------------------------------------------------------------------------------------
 
@@ -319,14 +302,14 @@ public:
     // --- signing ---------------------------------------------------------------------------------------------------
 
     /// true: /SubFilter /ETSI.CAdES.detached, false (the default): /adbe.pkcs7.detached.
-    void setUserETSISubFilter(bool etsi) { etsiSubFilter_ = etsi; }
-    [[nodiscard]] bool isUserETSISubFilter() const { return etsiSubFilter_; }
+    void setUserETSISubFilter(bool etsi);
+    [[nodiscard]] bool isUserETSISubFilter() const;
     /// The AcroForm object of the catalogue, or null when it has none or a direct one. Sets the object count to /Size.
     CPdfObj* GetAcroFormObj();
     /// The `index`-th terminal field below a reference list without brackets, counting every field with /FT; the
     /// caller resets the counter first.
     CPdfObj* GetSigObjectFromArray(char* refList, int index);
-    void ResetFieldCounter() { fieldCounter_ = 0; }
+    void ResetFieldCounter();
     /// Rectangle (fractions dropped) and page index of a signature. 0, or -1 when there is none with this index.
     int GetSignaturePositions(int sigIndex, int* x1, int* y1, int* x2, int* y2, int* page);
     /// Writes its name to the debug log; changes nothing in this release.
@@ -353,52 +336,11 @@ public:
     /// Evaluates whether a signature locks the document against every further change; `Open` does this.
     void check_lockstate();
     /// 1 when everything is locked, else 0.
-    [[nodiscard]] int get_lockstate() const { return lockState_; }
+    [[nodiscard]] int get_lockstate() const;
 
 private:
-    friend class CPdfSign;
-    friend class varnpdf::FormUpdate;
-    friend class varnpdf::Preparation;
-    friend class varnpdf::SecurityStore;
+    friend struct varnpdf::Access;
 
-    struct FileCloser {
-        void operator()(std::FILE* file) const noexcept;
-    };
-    struct FreeBytes {
-        void operator()(unsigned char* bytes) const noexcept;
-    };
-
-    [[nodiscard]] std::string_view view() const noexcept;
-    int loadFile(const char* filename, const char* mode);
-    int checkDocument();
-    int checkNewestTrailer();
-    int findRoot();
-    bool readContent(std::size_t length);
-    std::size_t nextId(std::string_view keyword, std::size_t start);
-    varnpdf::KeywordSearch& search(std::string_view keyword, bool standalone);
-    std::size_t readStartXRef(std::size_t at);
-    bool takeNewestSection(std::size_t offset);
-    bool takeNewestTable(std::size_t offset);
-    bool takeNewestStream(std::size_t offset);
-    void readNewestKeys();
-    bool recordEntry(long long objnum, int offset, int gen, bool isFree, int streamObjNr, int indexInStream,
-                     bool compressed);
-    bool extractTable(CPdfTrailer& trailer);
-    bool extractStream(CPdfTrailer& trailer);
-    bool extractRows(CPdfTrailer& trailer, varnpdf::Bytes& data);
-    bool recordRows(std::string_view rows, const varnpdf::FieldWidths& widths,
-                    const std::vector<varnpdf::IndexPair>& pairs);
-    CPdfTrailer* readSection(int offset, const varnpdf::SectionTexts& texts);
-    void readSectionChain();
-    bool loadPlainObjects();
-    bool loadObjectStreams();
-    bool unpackObjectStream(CPdfObj& stream);
-    bool placeUnpacked(CPdfObj& stream, std::string_view decoded, std::size_t count, std::size_t first);
-    [[nodiscard]] std::size_t inflateBudget() const noexcept;
-    CPdfObj* referencedObject(std::string_view value);
-    [[nodiscard]] std::optional<int> referencedNumber(int number) const;
-    void print(std::string_view text);
-    [[nodiscard]] std::size_t filePosition() const noexcept;
     void beginEntry(CPdfXRef& xref);
     void WriteAP1(CPdfXRef& xref, const varnpdf::Appearance& form);
     void WriteAP2(CPdfXRef& xref, const varnpdf::Appearance& form);
@@ -410,60 +352,12 @@ private:
     void write_transp_mask(CPdfXRef& xref, const varnpdf::Appearance& form);
     void WriteMetadata(CPdfXRef& xref, int number, std::string_view content);
     bool writeVisible(CPdfXRef& xref, const varnpdf::Appearance& form, FormfieldInfo_tag* fields, int fieldCount);
-    varnpdf::PageTree& pageTree(CPdfObj& root);
-    const varnpdf::PageNode& pageNode(varnpdf::PageTree& tree, const CPdfObj& obj);
     void readFields(CPdfFieldContainer& container);
     void readField(CPdfObj& obj, varnpdf::FieldReading& reading);
     void readAppearances(CPdfFieldContainer& container);
     int appendFields(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer& container);
-    void walkTree(std::string_view references, const CPdfObj* root, bool (*isLeaf)(CPdfObj&),
-                  std::vector<CPdfObj*>& leaves);
-    std::optional<std::string> pageContent(const CPdfObj& page);
-    std::string_view kidsOf(CPdfObj& node);
-    const std::vector<CPdfObj*>& signatureFields();
-    bool isSignatureField(CPdfObj& obj);
-    int readSignatureValue(int index, int tag, std::string& value);
-    int readByteRange(int index, varnpdf::ByteRange& range);
-    bool lockedBySignature(std::string_view signature, varnpdf::LockAnswers& answers);
-    bool lockedByTransform(std::string_view dictionary, varnpdf::LockAnswers& answers);
-    void ownContent();
-    void insertContent(std::size_t at, std::string_view text);
-    void appendContent(std::string_view text);
-    [[nodiscard]] bool slotsFilled() const;
 
-    std::vector<std::unique_ptr<CPdfTrailer>> trailers_;
-    std::vector<std::unique_ptr<CPdfObjTransferListItem>> transfers_;
-    std::unique_ptr<std::FILE, FileCloser> file_;
-    std::unique_ptr<unsigned char[], FreeBytes> content_;
-    unsigned int contentLen_ = 0;
-    std::size_t contentCapacity_ = 0;  // 0 while the content is as it was read
-    int encrypted_ = 0;
-    int objectCount_ = 0;
-    std::string fileName_;
-    std::string ident_;
-    float version_ = 0;
-    int lineEndType_ = -1;
-    bool linearized_ = false;
-    CByteStream output_;
-    std::unique_ptr<CPdfTrailer> updateTrailer_;
-    std::unique_ptr<CPdfTrailer> lastTrailer_;
-    std::vector<std::unique_ptr<varnpdf::KeywordSearch>> searches_;
-    std::vector<std::unique_ptr<char[]>> unpacked_;  // texts of objects taken from object streams
-    std::size_t inflated_ = 0;                       // bytes unpacked so far from both kinds of stream
-    std::unique_ptr<varnpdf::ObjectTable> objects_;
-    std::unique_ptr<varnpdf::PageTree> pages_;
-    std::unique_ptr<varnpdf::ObjectList> signatures_;
-    CPdfSigInfo sigInfo_;
-    int pagesParent_ = 0;
-    int rootObjNum_ = 0;
-    int xrefStartPos_ = 0;
-    int lockState_ = 0;
-    bool etsiSubFilter_ = false;
-    int fieldCounter_ = 0;
-    bool signaturesCounted_ = false;
-    int signatureCount_ = 0;
-
-    static varnpdf::ClassLogger m_logger;
+    std::unique_ptr<varnpdf::PdfState> state_;
 };
 
 /// Position of the first occurrence of `needle` in `haystack`, both lowered; -1 without one.

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "api/PdfState.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Values.h"
@@ -359,14 +360,14 @@ void FormUpdate::write() {
 
 // The table is put together here: subsections added one by one would cost the square of their number.
 void FormUpdate::writeObjects() {
-    const std::string_view old = pdf_.view();
-    if (!old.empty() && !isEol(old.back())) pdf_.print("\r\n");
+    const std::string_view old = documentOf(pdf_).view();
+    if (!old.empty() && !isEol(old.back())) print(Access::state(pdf_), "\r\n");
     std::vector<std::pair<int, std::vector<int>>> runs;  // first number, offsets
     for (const auto& [number, text] : texts_) {
         const bool follows = !runs.empty() && runs.back().first + static_cast<int>(runs.back().second.size()) == number;
         if (!follows) runs.emplace_back(number, std::vector<int>{});
         runs.back().second.push_back(pdf_.GetByteStreamLen());
-        pdf_.print(objectText(number, 0, text));
+        print(Access::state(pdf_), objectText(number, 0, text));
     }
     CPdfXRefContainer xrefs;
     auto subsections = std::make_unique<CPdfXRef[]>(runs.size());

@@ -11,7 +11,10 @@
 #include "support/Log.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
-#include "varnpdf/Pdf.h"
+#include "api/PdfState.h"
+#include "reader/Objects.h"
+#include "reader/Pages.h"
+#include "support/Loggers.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/result.h"
 
@@ -65,10 +68,10 @@ std::size_t sharedBytes(std::size_t document) {
 }  // namespace
 
 CPdfObj* CPdf::GetObjWithFieldsEntry() {
-    CPdfObj* const catalogue = lastTrailer_ ? referencedObject(lastTrailer_->root()) : nullptr;
+    CPdfObj* const catalogue = state_->document.newest ? referencedObject(state_->document, state_->document.newest->root()) : nullptr;
     const std::string_view form =
         catalogue == nullptr ? std::string_view{} : entryValue(catalogue->content(), "/AcroForm");
-    CPdfObj* const holder = form.starts_with("<<") ? catalogue : referencedObject(form);
+    CPdfObj* const holder = form.starts_with("<<") ? catalogue : referencedObject(state_->document, form);
     if (holder == nullptr) return nullptr;
     const std::string_view dictionary = holder == catalogue ? form : holder->content();
     return findLaterEntry(dictionary, "/Fields") ? holder : nullptr;
@@ -82,21 +85,21 @@ CPdfFieldContainer* CPdf::ReadFields() {
         return VARNPDF_OK;
     });
     if (code != VARNPDF_OK) {
-        logError(m_logger, "ReadFields: kein Speicher");
+        logError(loggers::pdf, "ReadFields: kein Speicher");
         container.reset();
     }
     return container.release();
 }
 
 void CPdf::readFields(CPdfFieldContainer& container) {
-    if (lastTrailer_) SetObjNum(lastTrailer_->GetSize());
+    if (state_->document.newest) SetObjNum(state_->document.newest->GetSize());
     if (const CPdfObj* const holder = GetObjWithFieldsEntry()) {
         const bool isCatalogue = entryValue(holder->content(), "/Type") == "/Catalog";
         CAcroFormObj form;
         form.setContent(isCatalogue ? entryValue(holder->content(), "/AcroForm") : holder->content());
         // Resources and their fonts may stand in objects of their own.
         const auto inlined = [&](std::string_view text, const char* key) {
-            const CPdfObj* const object = referencedObject(Dictionary(text).find(key));
+            const CPdfObj* const object = referencedObject(state_->document, Dictionary(text).find(key));
             std::string out(text);
             if (object != nullptr) setEntry(out, key, objectValue(object->content()));
             return out;
@@ -107,7 +110,7 @@ void CPdf::readFields(CPdfFieldContainer& container) {
         form.setContent(resources);
         container.SetFontContainer(form.ReadFontContainer());
     }
-    FieldReading reading{container, {}, sharedBytes(contentLen_)};
+    FieldReading reading{container, {}, sharedBytes(state_->document.length)};
     // The first of each name, as a search would find it.
     CPdfFontContainer* const fonts = container.GetFontContainer();
     for (int i = 0; fonts != nullptr && i < fonts->GetFontNum(); ++i) {
@@ -115,7 +118,7 @@ void CPdf::readFields(CPdfFieldContainer& container) {
         reading.fonts.emplace(font.GetShortName(), &font);
     }
     // The last slot is not visited: hosts know the numbers that this gives.
-    objects_->forEach(objectCount_ - 2, [&](int slot, CPdfObj& obj) {
+    state_->document.objects.forEach(state_->objectCount - 2, [&](int slot, CPdfObj& obj) {
         if (slot > 0 && !obj.content().empty()) readField(obj, reading);
     });
     ReadApperanceObjects(&container);
@@ -126,7 +129,7 @@ void CPdf::readField(CPdfObj& obj, FieldReading& reading) {
     const std::string_view name = entryValue(text, "/T");
     if (name.find('(') == std::string_view::npos) return;
     std::string_view value = entryValue(text, "/V");
-    const CPdfObj* const held = referencedObject(value);
+    const CPdfObj* const held = referencedObject(state_->document, value);
     if (held != nullptr && held->content().size() <= reading.budget) {
         reading.budget -= held->content().size();
         const std::string_view string = objectValue(held->content());
@@ -148,29 +151,29 @@ void CPdf::ReadApperanceObjects(CPdfFieldContainer* container) {
         readAppearances(*container);
         return VARNPDF_OK;
     });
-    if (code != VARNPDF_OK) logError(m_logger, "ReadApperanceObjects: kein Speicher");
+    if (code != VARNPDF_OK) logError(loggers::pdf, "ReadApperanceObjects: kein Speicher");
 }
 
 void CPdf::readAppearances(CPdfFieldContainer& container) {
     // Fields may share one long stream, and each gets a copy.
-    std::size_t budget = sharedBytes(contentLen_);
+    std::size_t budget = sharedBytes(state_->document.length);
     std::unordered_map<const CPdfObj*, Appearances> shared;
     for (int i = 0; i < container.GetFieldNum(); ++i) {
         CPdfField& field = *container.GetFields(i);
         const std::string_view link = field.appearanceLink();
-        const CPdfObj* const held = link.starts_with("<<") ? nullptr : referencedObject(link);
+        const CPdfObj* const held = link.starts_with("<<") ? nullptr : referencedObject(state_->document, link);
         const auto known = shared.find(held);
         const Appearances found =
             known != shared.end() ? known->second : appearancesIn(held != nullptr ? held->content() : link);
         if (held != nullptr) shared.emplace(held, found);
         for (const std::optional<int>& number : found) {
-            CPdfObj* const stream = number ? objects_->find(*number) : nullptr;
+            CPdfObj* const stream = number ? state_->document.objects.find(*number) : nullptr;
             if (stream == nullptr || stream->content().empty() ||
                 field.GetAppearanceCount() >= CPdfField::kAppearances) {
                 continue;
             }
             if (stream->content().size() > budget) {
-                logError(m_logger, "ReadApperanceObjects: zu viele Daten, Obj ", *number);
+                logError(loggers::pdf, "ReadApperanceObjects: zu viele Daten, Obj ", *number);
                 return;
             }
             budget -= stream->content().size();

@@ -1,6 +1,9 @@
 // One run of the security store: reading what is there, taking in the material.
 #include "longterm/SecurityStore.h"
 
+#include "api/PdfState.h"
+#include "inspection/Signatures.h"
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -50,7 +53,7 @@ int SecurityStore::run() {
     lineEnd_ = pdf_.the_line_end();
     // An unknown line end must still end the comment line of the entries.
     if (lineEnd_.empty()) lineEnd_ = "\r\n";
-    const std::string_view old = pdf_.view();
+    const std::string_view old = documentOf(pdf_).view();
     if (!old.empty() && !isEol(old.back())) tail_ = lineEnd_;
     readSignatures();
     readStore();
@@ -62,13 +65,13 @@ int SecurityStore::run() {
 }
 
 int SecurityStore::openTrailer() {
-    logDebug(logger_, "Anzahl der PDF-Objekte : ", pdf_.objects_->size());
+    logDebug(logger_, "Anzahl der PDF-Objekte : ", documentOf(pdf_).objects.size());
     if (pdf_.PdfIsEncrypted() == 1) return VARNPDF_PDF_ENCRYPTED;
     const CPdfTrailer* const trailer = pdf_.GetLastTrailer();
     if (trailer == nullptr || pdf_.GetUpdateTrailer() == nullptr || trailer->root().empty()) {
         return VARNPDF_TRAILER_INCOMPLETE;
     }
-    catalogue_ = pdf_.referencedObject(trailer->root());
+    catalogue_ = referencedObject(documentOf(pdf_), trailer->root());
     if (catalogue_ != nullptr) catalogueEntries_ = Dictionary(catalogue_->content());
     if (!catalogueEntries_) return VARNPDF_DSS_CATALOGUE_MISSING;
     const int highest = pdf_.get_max_obj_num_from_map();
@@ -85,7 +88,7 @@ SecurityStore::Resolved SecurityStore::resolve(std::string_view value) const {
     for (int i = 0; i < kLongestChain; ++i) {
         const auto number = referenceOf(found.text);
         if (!number) return found;
-        found.holder = pdf_.objects_->find(*number);
+        found.holder = documentOf(pdf_).objects.find(*number);
         found.text = found.holder != nullptr ? bodyOf(found.holder->content()) : std::string_view{};
     }
     return {};
@@ -95,7 +98,7 @@ void SecurityStore::readSignatures() {
     logDebug(logger_, "Gefundene Signaturen und deren DigestsHash:");
     std::map<std::string, std::size_t> places;
     std::map<const CPdfObj*, std::optional<std::size_t>> known;  // fields may share a dictionary
-    for (CPdfObj* const field : pdf_.signatureFields()) {
+    for (CPdfObj* const field : signatureFields(documentOf(pdf_))) {
         const Resolved dictionary = resolve(valueOf(field->content(), "/V"));
         const auto seen = known.find(dictionary.holder);
         std::optional<std::size_t> place;

@@ -1,6 +1,7 @@
 // One run of the security store: the objects of the appended update and its cross-reference section.
 #include <algorithm>
 
+#include "api/PdfState.h"
 #include "longterm/SecurityStore.h"
 #include "model/DictionaryEntry.h"
 #include "reader/SectionText.h"
@@ -40,7 +41,7 @@ std::string SecurityStore::lines(std::string_view text) const {
 }
 
 void SecurityStore::write(int number, int generation, std::string_view text) {
-    written_[number] = {generation, pdf_.view().size() + tail_.size()};
+    written_[number] = {generation, documentOf(pdf_).view().size() + tail_.size()};
     append(tail_, objectText(number, generation, text));
 }
 
@@ -178,7 +179,7 @@ void SecurityStore::updateCatalogue() {
 
 int SecurityStore::closeSection() {
     logDebug(logger_, "Beginne neues XREF zu erstellen");
-    const std::size_t section = pdf_.view().size() + tail_.size();
+    const std::size_t section = documentOf(pdf_).view().size() + tail_.size();
     if (section > limits::kDocumentBytes) {
         logError(logger_, logtext::PDF_MAXSIZE);
         return VARNPDF_PDF_MAXSIZE;

@@ -3,6 +3,9 @@
 
 #include <array>
 
+#include "syntax/Dictionary.h"
+#include "syntax/Lexer.h"
+
 namespace varnpdf {
 namespace {
 
@@ -242,6 +245,14 @@ private:
     std::size_t depth_ = 0;
 };
 
+// Numbers and words behind a value that begins with one belong to it.
+std::string_view withWords(Lexer& lexer, std::string_view text, std::string_view value) {
+    std::size_t end = lexer.at();
+    for (Token token = lexer.next(); token.kind == TokenKind::Word; token = lexer.next()) end = token.end();
+    lexer.moveTo(end);
+    return {value.data(), static_cast<std::size_t>(text.data() + end - value.data())};
+}
+
 }  // namespace
 
 std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view key, EntryLookup how) {
@@ -267,6 +278,33 @@ ObjectTypes findTypes(std::string_view text) {
         scanner.offer(name, fieldType);
     }
     return {type.entry ? type.entry->value : TextSpan{}, fieldType.entry ? fieldType.entry->value : TextSpan{}};
+}
+
+std::optional<std::string_view> lookUp(std::string_view text, std::string_view key) {
+    std::optional<std::string_view> found;
+    Lexer lexer(text);
+    Token token = lexer.next();
+    while (token.kind == TokenKind::Word || token.kind == TokenKind::ArrayOpen) token = lexer.next();
+    if (token.kind != TokenKind::DictOpen) return found;
+    while ((token = lexer.next()) && token.kind != TokenKind::DictClose) {
+        if (token.kind != TokenKind::Name) continue;
+        auto value = valueBehind(lexer, text, token);
+        if (!value) break;
+        if (!value->empty() && !isDelimiter(value->front())) value = withWords(lexer, text, *value);
+        if (isSameName(token.text, key)) found = value;
+    }
+    if (found || token.kind == TokenKind::DictClose) return found;
+    const auto entry = findLaterEntry(text, key);
+    return entry ? std::optional(entry->value.of(text)) : std::nullopt;
+}
+
+std::string_view lookUpValue(std::string_view text, std::string_view key) {
+    const auto found = lookUp(text, key);
+    return !found || *found == "null" ? std::string_view{} : *found;
+}
+
+std::optional<int> lookUpInt(std::string_view text, std::string_view key) {
+    return Cursor(lookUpValue(text, key)).takeInt();
 }
 
 std::string_view entryValue(std::string_view text, std::string_view key) {

@@ -39,6 +39,19 @@ ObjectTypes findTypes(std::string_view text);
 /// The first entry of the dictionary in the text, or of the rest of one; nothing where the dictionary ends.
 std::optional<DictionaryEntry> firstEntry(std::string_view text);
 
+// Looking by the letter of ISO 32000-2: for everything that the library decides itself. Only the functions above, which
+// serve the exported readers, end strings at the first ")".
+
+/// The value of a key, of two occurrences the later; empty behind a key without one. Words in front of the dictionary
+/// ("trailer", the header of an object) and an array around it are passed over, and a value that begins with a number or a bare word runs to the
+/// next token of another kind, as damaged files have it ("1 0R"). A dictionary with a string or an array that never ends
+/// is read by the rules of `findLaterEntry`.
+std::optional<std::string_view> lookUp(std::string_view text, std::string_view key);
+/// The same; empty without the key and for null, which means as much (ISO 32000-2 7.3.7).
+std::string_view lookUpValue(std::string_view text, std::string_view key);
+/// Its beginning as "%d" reads it.
+std::optional<int> lookUpInt(std::string_view text, std::string_view key);
+
 /// The text of that entry's value, empty when there is none.
 std::string_view entryValue(std::string_view text, std::string_view key);
 

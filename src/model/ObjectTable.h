@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <memory>
 #include <utility>
@@ -41,6 +42,13 @@ public:
         for (auto it = outliers_.lower_bound(0); it != outliers_.end() && it->first <= last; ++it) {
             visit(it->first, *it->second);
         }
+    }
+
+    /// The same for all slots.
+    template <typename Visit>
+    void forEach(Visit&& visit) const {
+        for (auto it = outliers_.begin(); it != outliers_.end() && it->first < 0; ++it) visit(it->first, *it->second);
+        forEach(std::numeric_limits<int>::max(), visit);
     }
 
     /// The largest object number of all objects, 0 without objects.

@@ -3,6 +3,7 @@
 
 #include <limits>
 
+#include "support/Limits.h"
 #include "syntax/Cursor.h"
 #include "syntax/Filters.h"
 
@@ -18,13 +19,13 @@ int bigEndian(std::string_view bytes) noexcept {
     return static_cast<int>(value);
 }
 
-std::optional<FieldWidths> fieldWidths(std::string_view text, std::size_t most) {
+std::optional<FieldWidths> fieldWidths(std::string_view text) {
     Cursor cursor(text);
     FieldWidths widths;
     if (!cursor.take('[')) return std::nullopt;
     for (std::size_t& width : widths.width) {
         const auto number = cursor.takeInt();
-        if (!number || *number < 0 || static_cast<std::size_t>(*number) > most) return std::nullopt;
+        if (!number || *number < 0 || *number > limits::kFieldWidth) return std::nullopt;
         width = static_cast<std::size_t>(*number);
     }
     return widths.row() == 0 ? std::nullopt : std::optional(widths);

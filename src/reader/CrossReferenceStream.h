@@ -19,8 +19,8 @@ struct FieldWidths {
     [[nodiscard]] std::size_t row() const noexcept { return width[0] + width[1] + width[2]; }
 };
 
-/// Reads "[%d %d %d]". Nothing when a width is negative, all are 0, or a row would be longer than `most` bytes.
-std::optional<FieldWidths> fieldWidths(std::string_view text, std::size_t most);
+/// Reads "[%d %d %d]". Nothing when a width is negative, all are 0, or one is beyond limits::kFieldWidth.
+std::optional<FieldWidths> fieldWidths(std::string_view text);
 
 enum : long { kPredictorNone = 1, kPredictorUp = 12 };
 

@@ -1,9 +1,8 @@
 // Stream data inside an object's text.
 #include "reader/SectionText.h"
 
-#include <string>
-
 #include "model/DictionaryEntry.h"
+#include "syntax/Reference.h"
 
 namespace varnpdf {
 
@@ -19,14 +18,12 @@ std::optional<std::string_view> streamData(std::string_view object, const ClassL
 }
 
 StreamFilter streamFilter(std::string_view object) {
-    const auto filter = findLaterEntry(object, "/Filter");
+    const auto filter = lookUp(object, "/Filter");
     if (!filter) return StreamFilter::None;
-    std::string compact;
-    for (const char c : filter->value.of(object)) {
-        if (!isWhite(c)) compact.push_back(c);
-    }
-    const bool flate = compact == "/FlateDecode" || compact == "[/FlateDecode]";
-    return flate ? StreamFilter::Flate : StreamFilter::Unknown;
+    // Blanks may stand beside the brackets, but not within the name.
+    std::string_view name = trim(*filter);
+    if (name.starts_with('[') && name.ends_with(']')) name = trim(name.substr(1, name.size() - 2));
+    return name == "/FlateDecode" ? StreamFilter::Flate : StreamFilter::Unknown;
 }
 
 }  // namespace varnpdf

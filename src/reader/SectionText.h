@@ -1,6 +1,7 @@
 // The parts of a cross-reference section's text, and stream data inside an object's text.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 
@@ -20,8 +21,9 @@ struct SectionTexts {
 inline std::string_view keyText(const CPdfTrailer& trailer) {
     const std::string_view text = trailer.content();
     if (trailer.GetIsCrossRefStream()) return text;
+    if (trailer.GetFromPos() < trailer.GetXRef()) return text;
     const auto skipped = static_cast<std::size_t>(trailer.GetFromPos() - trailer.GetXRef());
-    return text.substr(skipped < text.size() ? skipped : text.size());
+    return text.substr(std::min(skipped, text.size()));
 }
 
 /// The data behind the "stream" keyword of an object's text, to the end of the text. Keywords followed by ')' stand in

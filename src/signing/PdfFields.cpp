@@ -12,7 +12,10 @@
 #include "support/Log.h"
 #include "syntax/Readers.h"
 #include "syntax/Reference.h"
-#include "varnpdf/Pdf.h"
+#include "api/PdfState.h"
+#include "reader/Objects.h"
+#include "reader/Pages.h"
+#include "support/Loggers.h"
 #include "varnpdf/PdfSign.h"
 #include "varnpdf/result.h"
 
@@ -56,11 +59,11 @@ int wholePoints(float value) {
 }  // namespace
 
 CPdfObj* CPdf::GetAcroFormObj() {
-    if (!lastTrailer_ || lastTrailer_->content().empty()) RetrieveLastPdfTrailer();
-    if (!lastTrailer_ || lastTrailer_->GetSize() < 1) return nullptr;
-    SetObjNum(lastTrailer_->GetSize());
-    const CPdfObj* const catalogue = referencedObject(lastTrailer_->root());
-    return catalogue == nullptr ? nullptr : referencedObject(entryValue(catalogue->content(), "/AcroForm"));
+    if (!state_->document.newest || state_->document.newest->content().empty()) RetrieveLastPdfTrailer();
+    if (!state_->document.newest || state_->document.newest->GetSize() < 1) return nullptr;
+    SetObjNum(state_->document.newest->GetSize());
+    const CPdfObj* const catalogue = referencedObject(state_->document, state_->document.newest->root());
+    return catalogue == nullptr ? nullptr : referencedObject(state_->document, entryValue(catalogue->content(), "/AcroForm"));
 }
 
 // Depth first like the page tree; a field met before ends its branch.
@@ -68,17 +71,17 @@ CPdfObj* CPdf::GetSigObjectFromArray(char* refList, int index) {
     if (refList == nullptr) return nullptr;
     std::vector<CPdfObj*> fields;
     walkTree(
-        refList, nullptr, [](CPdfObj& obj) { return findLaterEntry(obj.content(), "/FT").has_value(); }, fields);
+        state_->document, refList, nullptr, [](CPdfObj& obj) { return findLaterEntry(obj.content(), "/FT").has_value(); }, fields);
     for (CPdfObj* const field : fields) {
-        if (fieldCounter_ == index) return field;
-        ++fieldCounter_;
+        if (state_->fieldCounter == index) return field;
+        ++state_->fieldCounter;
     }
     return nullptr;
 }
 
 int CPdf::GetSignaturePositions(int sigIndex, int* x1, int* y1, int* x2, int* y2, int* page) {
-    signatureCount_ = PdfGetNumSignatures();
-    CPdfObj* const field = sigIndex < signatureCount_ ? sigInfo_.GetSignRef(sigIndex) : nullptr;
+    state_->signatureCount = PdfGetNumSignatures();
+    CPdfObj* const field = sigIndex < state_->signatureCount ? state_->signatures.GetSignRef(sigIndex) : nullptr;
     if (field == nullptr) return -1;
     Cursor rect(entryValue(field->content(), "/Rect"));
     rect.take('[');
@@ -93,37 +96,41 @@ int CPdf::GetSignaturePositions(int sigIndex, int* x1, int* y1, int* x2, int* y2
     return 0;
 }
 
-void CPdf::correct_annots() { logDebug(m_logger, "correct_annots"); }
+void CPdf::correct_annots() { logDebug(loggers::pdf, "correct_annots"); }
 
-std::optional<std::string> CPdf::pageContent(const CPdfObj& page) {
-    const CPdfObj* const stream = referencedObject(entryValue(page.content(), "/Contents"));
+namespace {
+
+std::optional<std::string> pageContent(const Document& document, const CPdfObj& page) {
+    const CPdfObj* const stream = referencedObject(document, entryValue(page.content(), "/Contents"));
     if (stream == nullptr) return std::nullopt;
     const std::string_view text = stream->content();
     const std::string_view lengthText = entryValue(text, "/Length");
     const auto reference = isReference2(lengthText);
-    const auto length = reference ? referencedNumber(reference->number) : Cursor(lengthText).takeInt();
-    const auto data = streamData(text, m_logger);
+    const auto length = reference ? referencedNumber(document, reference->number) : Cursor(lengthText).takeInt();
+    const auto data = streamData(text, loggers::pdf);
     if (!length || *length < 0 || !data) return std::nullopt;
     const std::string_view packed = data->substr(0, static_cast<std::size_t>(*length));
     if (streamFilter(text) == StreamFilter::None) return std::string(packed);
     if (streamFilter(text) != StreamFilter::Flate) return std::nullopt;
-    const auto inflated = inflateAll(packed, std::min(packed.size() * limits::kInflateFactor, inflateBudget()));
+    const auto inflated = inflateAll(packed, std::min(packed.size() * limits::kInflateFactor, inflateBudget(document)));
     return inflated ? std::optional(std::string(inflated->view())) : std::nullopt;
 }
+
+}  // namespace
 
 int CPdfSign::TryFindOOField(CPdf* pdf, int* x, int* y, int* width, int* height, int* page) {
     const CPdfTrailer* const trailer = pdf == nullptr ? nullptr : pdf->GetLastTrailer();
     if (trailer == nullptr || trailer->GetSize() < 1) return VARNPDF_TRAILER_INCOMPLETE;
     if (pdf->PdfIsEncrypted() == 1) return VARNPDF_PDF_ENCRYPTED;
-    const CPdfObj* const catalogue = pdf->referencedObject(trailer->root());
+    const CPdfObj* const catalogue = referencedObject(documentOf(*pdf), trailer->root());
     if (catalogue == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
-    CPdfObj* const root = pdf->referencedObject(entryValue(catalogue->content(), "/Pages"));
+    CPdfObj* const root = referencedObject(documentOf(*pdf), entryValue(catalogue->content(), "/Pages"));
     if (root == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
     const int count = entryInt(root->content(), "/Count").value_or(0);
     for (int i = 0; i < count; ++i) {
         const CPdfObj* const current = pdf->GetPdfPageObject(root, i, nullptr, nullptr);
         if (current == nullptr || entryInt(current->content(), "/Contents").value_or(0) < 0) break;
-        const auto content = pdf->pageContent(*current);
+        const auto content = pageContent(documentOf(*pdf), *current);
         for (std::size_t at = 0; content && at < content->size();) {
             const auto frame = nextFrame(*content, at);
             if (!frame) continue;

@@ -9,13 +9,12 @@
 
 #include "signing/Preparation.h"
 #include "support/Guarded.h"
-#include "support/Log.h"
+#include "api/PdfState.h"
+#include "support/Loggers.h"
 #include "support/StagedFile.h"
 #include "varnpdf/result.h"
 
 using namespace varnpdf;
-
-constinit ClassLogger CPdfSign::m_logger{"VarnPDF.CPdfSign"};
 
 namespace {
 
@@ -97,7 +96,7 @@ int CPdfSign::DummySign(CPdf* pdf, int page, int posMode, int x, int y, int widt
 // The prepared bytes are the old ones and the update without the room of the value. A document that is given up may
 // hand over its buffer: growing it does not copy a large file.
 int CPdfSign::prepare(CPdf& pdf, const SigningRequest& request, bool takeContent) {
-    Preparation preparation(pdf, request, m_logger);
+    Preparation preparation(pdf, request, loggers::sign);
     if (const int code = preparation.run(); code != VARNPDF_OK) return code;
     const std::size_t old = preparation.oldLength();
     const std::string_view tail = preparation.tail();
@@ -106,27 +105,27 @@ int CPdfSign::prepare(CPdf& pdf, const SigningRequest& request, bool takeContent
     const std::size_t length = old + tail.size() - (end - begin);
     unsigned char* bytes = nullptr;
     if (takeContent) {
-        bytes = static_cast<unsigned char*>(std::realloc(pdf.content_.get(), length));
-        if (bytes != nullptr) static_cast<void>(pdf.content_.release());
+        bytes = static_cast<unsigned char*>(std::malloc(length));
+        if (bytes != nullptr) std::memcpy(bytes, documentOf(pdf).view().data(), old);
     } else {
         bytes = static_cast<unsigned char*>(std::malloc(length));
-        if (bytes != nullptr) std::memcpy(bytes, pdf.content_.get(), old);
+        if (bytes != nullptr) std::memcpy(bytes, documentOf(pdf).view().data(), old);
     }
     if (bytes == nullptr) throw std::bad_alloc();
     std::memcpy(bytes + old, tail.data(), begin);
     std::memcpy(bytes + old + begin, tail.data() + end, tail.size() - end);
-    logDebug(m_logger, "szContent mit gemerkter Länge setzen");
+    logDebug(loggers::sign, "szContent mit gemerkter Länge setzen");
     prepared_.reset(bytes);
     preparedLength_ = static_cast<std::uint32_t>(length);
     contentsOffset_ = static_cast<std::uint32_t>(preparation.roomBegin());
-    logDebug(m_logger, "Ende Dummysign");
+    logDebug(loggers::sign, "Ende Dummysign");
     return VARNPDF_OK;
 }
 
 void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char* sig, std::uint32_t sigLen,
                                 std::uint32_t contentsSize) {
     static constexpr auto kPairs = hexPairs();
-    logDebug(m_logger, "entering CPdfSign::buildSignContent");
+    logDebug(loggers::sign, "entering CPdfSign::buildSignContent");
     const std::size_t length = std::size_t{2} * contentsSize + 2;
     if (outLen != nullptr) *outLen = static_cast<std::uint32_t>(length);
     if (out == nullptr) return;
@@ -139,16 +138,16 @@ void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char
     }
     *at = '>';
     *out = content.release();
-    logDebug(m_logger, "leaving CPdfSign::buildSignContent");
+    logDebug(loggers::sign, "leaving CPdfSign::buildSignContent");
 }
 
 int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize) {
     const auto save = [&]() -> int {
-        logDebug(m_logger, "entering CPdfSign::SaveSignature");
+        logDebug(loggers::sign, "entering CPdfSign::SaveSignature");
         if (pcSignedFile == nullptr || sig == nullptr) return VARNPDF_SAVE_FAILED;
         StagedFile file(pcSignedFile);
         if (!file.isOpen()) return VARNPDF_SAVE_FAILED;
-        logDebug(m_logger, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
+        logDebug(loggers::sign, "CPdfSign::SaveSignature: write data to pcSignedFile:", pcSignedFile);
         char* value = nullptr;
         std::uint32_t length = 0;
         buildSignContent(&value, &length, sig, sigLen, contentsSize);
@@ -157,7 +156,7 @@ int CPdfSign::SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int
         file.write({content.get(), length});
         file.write(viewOf(prepared_.get() + contentsOffset_, preparedLength_ - contentsOffset_));
         const int code = file.commit() ? VARNPDF_OK : VARNPDF_SAVE_FAILED;
-        logDebug(m_logger, "leaving CPdfSign::SaveSignature: ", code);
+        logDebug(loggers::sign, "leaving CPdfSign::SaveSignature: ", code);
         return code;
     };
     return guarded(save, VARNPDF_SAVE_FAILED);

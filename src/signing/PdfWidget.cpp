@@ -6,7 +6,10 @@
 #include "syntax/Dates.h"
 #include "syntax/Encoding.h"
 #include "syntax/Text.h"
-#include "varnpdf/Pdf.h"
+#include "api/PdfState.h"
+#include "reader/Objects.h"
+#include "reader/Pages.h"
+#include "support/Loggers.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfLockInfo.h"
 #include "varnpdf/PdfSign.h"
@@ -62,8 +65,8 @@ std::string signatureReference(const CPdfLockInfo& lock) {
 
 void CPdf::write_annot(CPdfXRefEntry* entry, CPdfObj* widget, CPdfObj* page, CPdfSigInfo* info, int* rect, int mode,
                        std::vector<std::string> names, CPdfObj* fieldLock, CPdfLockInfo* lock) {
-    logDebug(m_logger, "write_annot Start");
-    entry->SetPos(static_cast<int>(filePosition()));
+    logDebug(loggers::pdf, "write_annot Start");
+    entry->SetPos(static_cast<int>(filePosition(*state_)));
     const int number = widget->GetObjNum();
     const int generation = widget->GetGenNumber();
     std::string out;
@@ -71,7 +74,7 @@ void CPdf::write_annot(CPdfXRefEntry* entry, CPdfObj* widget, CPdfObj* page, CPd
     append(out, "<<\r\n/Type /Annot\r\n/Subtype /Widget\r\n/Rect [ ", rect[0], ' ', rect[1], ' ', rect[2], ' ', rect[3],
            " ]\r\n/F 4\r\n");
     append(out, "/P ", page->GetObjNum(), ' ', page->GetGenNumber(), " R\r\n/FT /Sig\r\n");
-    append(out, "/T (Unterschrift", freeFieldNumber(info->GetSigNumber(), names, m_logger), ")\r\n");
+    append(out, "/T (Unterschrift", freeFieldNumber(info->GetSigNumber(), names, loggers::pdf), ")\r\n");
     if (mode == 0) {
         append(out, "/MK << /BG [ 1 1 1 ] >>\r\n", "/V ", number + 1, ' ', generation, " R\r\n");
     } else {
@@ -80,17 +83,17 @@ void CPdf::write_annot(CPdfXRefEntry* entry, CPdfObj* widget, CPdfObj* page, CPd
     const bool visible = rect[2] > 0 && rect[3] > 0;
     append(out, "/AP << /N ", number + (visible ? 3 : 2), ' ', generation, " R >>\r\n");
     if (lock != nullptr && lock->get_use_locking() && fieldLock != nullptr) {
-        logDebug(m_logger, "Adding reference to signature field lock dictionary ");
+        logDebug(loggers::pdf, "Adding reference to signature field lock dictionary ");
         append(out, "/Lock ", fieldLock->GetObjNum(), ' ', fieldLock->GetGenNumber(), " R\r\n");
     }
     append(out, ">>\r\nendobj\r\n");
-    print(out);
-    logDebug(m_logger, "write_annot Ende");
+    print(*state_, out);
+    logDebug(loggers::pdf, "write_annot Ende");
 }
 
 void CPdf::WriteSigBlock(CPdfXRefEntry* entry, int objnum, int gen, CPdfSigInfo* info, char* reason, char* location,
                          char* name, char* signDate, std::uint32_t contentsSize, CPdfLockInfo* lock) {
-    entry->SetPos(static_cast<int>(filePosition()));
+    entry->SetPos(static_cast<int>(filePosition(*state_)));
     std::string out;
     append(out, objnum, ' ', gen, " obj\r\n", "<<\r\n", "/Type /Sig\r\n");
     append(out, "/Reason (", viewOf(reason), ")\r\n", "/Location (", viewOf(location), ")\r\n");
@@ -98,55 +101,55 @@ void CPdf::WriteSigBlock(CPdfXRefEntry* entry, int objnum, int gen, CPdfSigInfo*
     append(out, "/Filter /Korvane.varnapi\r\n");
     append(out, isUserETSISubFilter() ? "/SubFilter /ETSI.CAdES.detached\r\n" : "/SubFilter /adbe.pkcs7.detached\r\n");
     append(out, "/R 65537\r\n", "/Name (", latin1FromUtf8(viewOf(name)).text, ")\r\n", "/Contents ");
-    print(out);
+    print(*state_, out);
 
     info->SetOffset0(0);
-    info->SetLen0(static_cast<int>(filePosition()));
+    info->SetLen0(static_cast<int>(filePosition(*state_)));
     out.assign("<");
     out.append(std::size_t{2} * contentsSize, '0');
     out.append(">");
-    print(out);
-    info->SetOffset1(static_cast<int>(filePosition()));
+    print(*state_, out);
+    info->SetOffset1(static_cast<int>(filePosition(*state_)));
     info->SetLen1(-1);
-    print("\r\n/ByteRange [");
-    info->SetRangePos(static_cast<int>(output_.tell()));
+    print(*state_, "\r\n/ByteRange [");
+    info->SetRangePos(static_cast<int>(state_->output.tell()));
     out.assign(kByteRangeRoom, ' ');
     append(out, "]\r\n");
     if (lock != nullptr && lock->get_use_locking()) {
-        logDebug(m_logger, "Signatur inklusive LOCKING");
+        logDebug(loggers::pdf, "Signatur inklusive LOCKING");
         append(out, signatureReference(*lock));
     }
     append(out, ">>\r\n", "endobj\r\n");
-    print(out);
+    print(*state_, out);
 }
 
 void CPdf::beginEntry(CPdfXRef& xref) {
     CPdfXRefEntry entry;
-    entry.SetPos(static_cast<int>(filePosition()));
+    entry.SetPos(static_cast<int>(filePosition(*state_)));
     xref.AddEntry(entry);
 }
 
 void CPdf::WriteAP1(CPdfXRef& xref, const Appearance& form) {
-    logDebug(m_logger, ": AP1-Objekt (XObj-Form)");
+    logDebug(loggers::pdf, ": AP1-Objekt (XObj-Form)");
     beginEntry(xref);
-    print(formObject(form.form, form));
+    print(*state_, formObject(form.form, form));
 }
 
 void CPdf::WriteAP2(CPdfXRef& xref, const Appearance& form) {
     beginEntry(xref);
-    print(normalObject(form.form + 1, form));
+    print(*state_, normalObject(form.form + 1, form));
 }
 
 void CPdf::WriteAP3(CPdfXRef& xref, const Appearance& form) {
     beginEntry(xref);
-    print(blankObject(form.blank, form));
+    print(*state_, blankObject(form.blank, form));
 }
 
 bool CPdf::Write_AdobeLayer(CPdfXRef& xref, const Appearance& form) {
     const auto object = questionObject(form.question, form);
     if (!object) return false;
     beginEntry(xref);
-    print(*object);
+    print(*state_, *object);
     return true;
 }
 
@@ -159,37 +162,37 @@ bool CPdf::WriteAP5(CPdfXRef& xref, const Appearance& form, FormfieldInfo_tag* f
     const auto object = textObject(form.text, form, content);
     if (!object) return false;
     beginEntry(xref);
-    print(*object);
+    print(*state_, *object);
     return true;
 }
 
 void CPdf::write_transp_mask(CPdfXRef& xref, const Appearance& form) {
     beginEntry(xref);
-    print(maskObject(form.mask, form));
+    print(*state_, maskObject(form.mask, form));
 }
 
 void CPdf::WriteAP6(CPdfXRef& xref, const Appearance& form) {
     beginEntry(xref);
-    print(imageObject(form.image, form));
+    print(*state_, imageObject(form.image, form));
 }
 
 void CPdf::WriteAP7(CPdfXRef& xref, const Appearance& form) {
-    logDebug(m_logger, ": AP7-Objekt (Appearance-Dict fuer PDF/A - leer ) ");
+    logDebug(loggers::pdf, ": AP7-Objekt (Appearance-Dict fuer PDF/A - leer ) ");
     beginEntry(xref);
-    print(emptyObject(form.form, form));
+    print(*state_, emptyObject(form.form, form));
 }
 
 void CPdf::WriteMetadata(CPdfXRef& xref, int number, std::string_view content) {
-    logDebug(m_logger, ": Metadaten-Objekt ");
+    logDebug(loggers::pdf, ": Metadaten-Objekt ");
     beginEntry(xref);
-    print(objectText(number, 0, content));
+    print(*state_, objectText(number, 0, content));
 }
 
 bool CPdf::writeVisible(CPdfXRef& xref, const Appearance& form, FormfieldInfo_tag* fields, int fieldCount) {
     WriteAP1(xref, form);
     WriteAP2(xref, form);
     WriteAP3(xref, form);
-    logDebug(m_logger, form.layers ? "mit Adobe /n1,/n3-Layer (ALT!!) " : "ohne Adobe-Logo-Layer (std)");
+    logDebug(loggers::pdf, form.layers ? "mit Adobe /n1,/n3-Layer (ALT!!) " : "ohne Adobe-Logo-Layer (std)");
     if (form.layers && !Write_AdobeLayer(xref, form)) return false;
     if (!WriteAP5(xref, form, fields, fieldCount)) return false;
     if (form.mask != 0) write_transp_mask(xref, form);
@@ -214,7 +217,7 @@ int CPdf::WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj
         if (form.layers) form.question = next++;
         form.text = next++;
         if (useImage != 0) {
-            picture = loadPng(imageFile, transparentImage != 0, m_logger);
+            picture = loadPng(imageFile, transparentImage != 0, loggers::pdf);
             if (!picture) return VARNPDF_IMAGE_UNREADABLE;
             form.picture = &*picture;
             if (picture->transparent) form.mask = next++;
@@ -226,12 +229,12 @@ int CPdf::WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj
 
     std::vector<std::string> names;
     create_vectorlist_of_signatures(names);
-    logDebug(m_logger, visible != 0 ? "Sichtbare Signatur erzeugen" : "Unsichtbare Signatur erzeugen");
-    logDebug(m_logger, ":Signature-Field");
+    logDebug(loggers::pdf, visible != 0 ? "Sichtbare Signatur erzeugen" : "Unsichtbare Signatur erzeugen");
+    logDebug(loggers::pdf, ":Signature-Field");
     CPdfXRefEntry entry;
     write_annot(&entry, widget, page, info, rect, mode, std::move(names), fieldLock, lock);
     xref->AddEntry(entry);
-    logDebug(m_logger, ":Signature-Value-Field");
+    logDebug(loggers::pdf, ":Signature-Value-Field");
     WriteSigBlock(&entry, number + 1, widget->GetGenNumber(), info, reason, location, name, signDate, contentsSize,
                   lock);
     xref->AddEntry(entry);

@@ -94,7 +94,7 @@ int Preparation::openTrailer() {
     const CPdfTrailer* const trailer = pdf_.GetLastTrailer();
     if (trailer == nullptr || pdf_.GetUpdateTrailer() == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
     if (pdf_.PdfIsEncrypted() == 1) return VARNPDF_PDF_ENCRYPTED;
-    catalogue_ = pdf_.referencedObject(trailer->root());
+    catalogue_ = referencedObject(documentOf(pdf_), trailer->root());
     if (catalogue_ == nullptr || catalogue_->content().empty()) return VARNPDF_TRAILER_INCOMPLETE;
     // A file whose /Size equals its highest number keeps the number it gives away.
     constexpr int kMostNumber = std::numeric_limits<int>::max() - 1000;
@@ -106,11 +106,11 @@ int Preparation::openTrailer() {
 }
 
 int Preparation::findPage() {
-    CPdfObj* const root = pdf_.referencedObject(entryValue(catalogue_->content(), "/Pages"));
+    CPdfObj* const root = referencedObject(documentOf(pdf_), entryValue(catalogue_->content(), "/Pages"));
     if (root == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
     const std::string_view value = entryValue(root->content(), "/Count");
     const auto reference = isReference2(value);
-    auto count = reference ? pdf_.referencedNumber(reference->number) : std::nullopt;
+    auto count = reference ? referencedNumber(documentOf(pdf_), reference->number) : std::nullopt;
     // A reference that leads to no number still says that there are pages; the page wanted may be there.
     if (!count) count = Cursor(value).takeInt();
     if (!count) return VARNPDF_PAGE_COUNT_MISSING;
@@ -132,7 +132,7 @@ CPdfObj& Preparation::changed(CPdfObj& original) {
 }
 
 CPdfObj* Preparation::changedReference(std::string_view value) {
-    CPdfObj* const original = pdf_.referencedObject(value);
+    CPdfObj* const original = referencedObject(documentOf(pdf_), value);
     return original == nullptr || original->content().empty() ? nullptr : &changed(*original);
 }
 
@@ -209,14 +209,14 @@ void Preparation::writeLocks() {
 
 int Preparation::writeObjects() {
     constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<int>::max());
-    if (pdf_.contentLen_ + std::size_t{2} * request_.contentsSize > kMost) return VARNPDF_BYTE_RANGE_TOO_LONG;
-    pdf_.ResetByteStream(pdf_.contentLen_);
+    if (documentOf(pdf_).length + std::size_t{2} * request_.contentsSize > kMost) return VARNPDF_BYTE_RANGE_TOO_LONG;
+    pdf_.ResetByteStream(pdf_.GetContentLen());
     logDebug(logger_, "CRLF nach %%eof angefuegt!");
-    pdf_.print("\r\n");
+    print(Access::state(pdf_), "\r\n");
     CPdfXRefContainer xrefs;
     const auto write = [&](int number, int generation, std::string_view content) {
-        addObjectEntry(xrefs, number, generation, pdf_.filePosition());
-        pdf_.print(objectText(number, generation, content));
+        addObjectEntry(xrefs, number, generation, filePosition(Access::state(pdf_)));
+        print(Access::state(pdf_), objectText(number, generation, content));
     };
     for (const auto& [number, object] : changed_) {
         if (pdf_.get_pdf_obj_from_map(number) == nullptr) return VARNPDF_UPDATE_OBJECT_MISSING;
@@ -261,7 +261,7 @@ int Preparation::closeSection(CPdfXRefContainer& xrefs) {
     logDebug(logger_, "xrefStream!");
     logDebug(logger_, "2019er: /W einlesen aus altem Trailer !!!");
     const int number = numbers_.next;
-    const std::size_t section = pdf_.filePosition();
+    const std::size_t section = filePosition(Access::state(pdf_));
     CPdfXRefEntry entry;
     entry.SetPos(static_cast<int>(section));
     CPdfXRef run;
@@ -278,29 +278,29 @@ int Preparation::closeSection(CPdfXRefContainer& xrefs) {
         return VARNPDF_COMPRESSING_FAILED;
     }
     logDebug(logger_, "Stream gepackt");
-    pdf_.print(*stream);
+    print(Access::state(pdf_), *stream);
     return VARNPDF_OK;
 }
 
 // The numbers replace blanks in place, so that no other byte moves.
 int Preparation::fillByteRange() {
     constexpr std::size_t kRoom = 30;
-    const std::size_t total = pdf_.filePosition();
+    const std::size_t total = filePosition(Access::state(pdf_));
     info_.SetLen1(static_cast<int>(total - roomEnd()));
     const std::string range =
         text(' ', info_.GetOffset0(), ' ', info_.GetLen0(), ' ', info_.GetOffset1(), ' ', info_.GetLen1());
     if (range.size() > kRoom || total > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         return VARNPDF_BYTE_RANGE_TOO_LONG;
     }
-    const unsigned end = pdf_.output_.tell();
-    pdf_.output_.setseek(static_cast<unsigned>(info_.GetRangePos()));
-    pdf_.print(range);
-    pdf_.output_.setseek(end);
+    const unsigned end = Access::state(pdf_).output.tell();
+    Access::state(pdf_).output.setseek(static_cast<unsigned>(info_.GetRangePos()));
+    print(Access::state(pdf_), range);
+    Access::state(pdf_).output.setseek(end);
     return VARNPDF_OK;
 }
 
 std::string_view Preparation::tail() const noexcept {
-    return {reinterpret_cast<const char*>(pdf_.output_.data()), pdf_.output_.tell()};
+    return {reinterpret_cast<const char*>(Access::state(pdf_).output.data()), Access::state(pdf_).output.tell()};
 }
 
 }  // namespace varnpdf

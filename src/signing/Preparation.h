@@ -8,7 +8,10 @@
 #include <vector>
 
 #include "support/Log.h"
-#include "varnpdf/Pdf.h"
+#include "api/PdfState.h"
+#include "reader/Objects.h"
+#include "reader/Pages.h"
+#include "support/Loggers.h"
 #include "varnpdf/PdfLockInfo.h"
 #include "varnpdf/PdfSign.h"
 
@@ -45,7 +48,7 @@ public:
     /// 0 or the code of the first step that failed.
     int run();
 
-    [[nodiscard]] std::size_t oldLength() const noexcept { return pdf_.contentLen_; }
+    [[nodiscard]] std::size_t oldLength() const noexcept { return documentOf(pdf_).length; }
     /// The appended part, complete.
     [[nodiscard]] std::string_view tail() const noexcept;
     /// Offsets of the room of the value in the final file.

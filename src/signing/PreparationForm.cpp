@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "model/DictionaryEntry.h"
-#include "reader/PageTree.h"
 #include "signing/Preparation.h"
 #include "support/Text.h"
 #include "syntax/Reference.h"
@@ -62,7 +61,7 @@ bool isDirectDictionary(std::string_view value) { return value.starts_with("<<")
 
 int Preparation::decideForm() {
     const std::string_view value = entryValue(catalogue_->content(), "/AcroForm");
-    const CPdfObj* const object = isDirectDictionary(value) ? nullptr : pdf_.referencedObject(value);
+    const CPdfObj* const object = isDirectDictionary(value) ? nullptr : referencedObject(documentOf(pdf_), value);
     hasForm_ = isDirectDictionary(value) || (object != nullptr && !object->content().empty());
     needsFonts_ = true;
     if (!hasForm_) return VARNPDF_OK;
@@ -122,7 +121,7 @@ void Preparation::addToFields(CPdfObj& form) {
         replaceEntry(form, "/Fields", appendToRefArray(value, item));
         return;
     }
-    CPdfObj* const original = pdf_.referencedObject(value);
+    CPdfObj* const original = referencedObject(documentOf(pdf_), value);
     if (original != nullptr && original->content().find('[') != std::string_view::npos) {
         CPdfObj& fields = changed(*original);
         fields.setContent(appendToRefArray(fields.content(), item));
@@ -180,11 +179,11 @@ void Preparation::newAnnots(std::string_view comment) {
 
 // The widget belongs to one page; in an array that pages share it would show on all of them (ISO 32000-2 12.5.2).
 bool Preparation::otherPageHas(const CPdfObj& annots) {
-    CPdfObj* const root = pdf_.referencedObject(entryValue(catalogue_->content(), "/Pages"));
+    CPdfObj* const root = referencedObject(documentOf(pdf_), entryValue(catalogue_->content(), "/Pages"));
     if (root == nullptr) return false;
-    const auto& pages = pdf_.pageTree(*root).objects;
+    const auto& pages = pagesBelow(documentOf(pdf_), *root);
     return std::any_of(pages.begin(), pages.end(), [&](const CPdfObj* page) {
-        return page != page_ && pdf_.referencedObject(entryValue(page->content(), "/Annots")) == &annots;
+        return page != page_ && referencedObject(documentOf(pdf_), entryValue(page->content(), "/Annots")) == &annots;
     });
 }
 
@@ -208,7 +207,7 @@ void Preparation::updateAnnots() {
         replaceEntry(changed(*page_), "/Annots", referenceText(numbers_.annots));
         return;
     }
-    CPdfObj* const original = pdf_.referencedObject(value);
+    CPdfObj* const original = referencedObject(documentOf(pdf_), value);
     if (original != nullptr && original->content().find('[') != std::string_view::npos) {
         if (otherPageHas(*original)) {
             logDebug(logger_, "Annots-Array gehoert mehreren Seiten! Erstelle ein eigenes");

@@ -25,7 +25,7 @@ std::size_t dataBegin(std::string_view text, std::size_t keyword) {
 }  // namespace
 
 void Preparation::updateInfo() {
-    CPdfObj* const info = pdf_.referencedObject(pdf_.GetLastTrailer()->info());
+    CPdfObj* const info = referencedObject(documentOf(pdf_), pdf_.GetLastTrailer()->info());
     if (info == nullptr || request_.signDate == nullptr) return;
     // Only a literal string: the date goes between parentheses, and the next pair may belong to another entry.
     const std::string_view text = info->content();
@@ -39,7 +39,7 @@ void Preparation::updateInfo() {
 }
 
 int Preparation::updateMetadata() {
-    const CPdfObj* const object = pdf_.referencedObject(entryValue(catalogue_->content(), "/Metadata"));
+    const CPdfObj* const object = referencedObject(documentOf(pdf_), entryValue(catalogue_->content(), "/Metadata"));
     const std::string_view content = object == nullptr ? std::string_view{} : object->content();
     const std::size_t keyword = content.find("stream");
     const std::size_t end = content.rfind("endstream");
@@ -51,7 +51,7 @@ int Preparation::updateMetadata() {
     const std::string_view header = content.substr(0, keyword);
     const std::string_view lengthValue = entryValue(header, "/Length");
     const auto reference = isReference2(lengthValue);
-    const auto length = reference ? pdf_.referencedNumber(reference->number) : Cursor(lengthValue).takeInt();
+    const auto length = reference ? referencedNumber(documentOf(pdf_), reference->number) : Cursor(lengthValue).takeInt();
     const std::size_t begin = dataBegin(content, keyword);
     std::size_t blanks = end;
     while (blanks > begin && (isWhite(content[blanks - 1]) || content[blanks - 1] == '\0')) --blanks;

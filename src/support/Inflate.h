@@ -13,6 +13,7 @@ class Bytes {
 public:
     [[nodiscard]] std::string_view view() const noexcept { return {data_.get(), size_}; }
     [[nodiscard]] char* data() noexcept { return data_.get(); }
+    [[nodiscard]] const char* data() const noexcept { return data_.get(); }
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
     /// Makes room for at least `capacity` bytes; throws std::bad_alloc.
     void reserve(std::size_t capacity);

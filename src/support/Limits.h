@@ -19,6 +19,8 @@ inline constexpr std::size_t kTreeReferences = 600'000;
 inline constexpr int kParents = 500;
 /// Sections of one /Prev chain. Each costs a record, so the chain is bounded although it cannot loop.
 inline constexpr std::size_t kSections = 100'000;
+/// Widest field of a cross-reference stream in bytes; a number of the file has at most four.
+inline constexpr int kFieldWidth = 1024;
 /// Growth factors of the inflate buffers: a stream that inflates to more than this times its length is refused.
 inline constexpr std::size_t kInflateFactor = 1490;
 /// What all streams of a document may inflate to together, the texts of unpacked objects included:

@@ -16,12 +16,19 @@ bool isNumber(std::string_view token) {
     return !token.empty() && token.find_first_not_of(kDigits) == std::string_view::npos;
 }
 
+}  // namespace
+
 bool isSameName(std::string_view written, std::string_view key) {
     const bool plain = written.find('#') == std::string_view::npos && key.find('#') == std::string_view::npos;
     return plain ? written == key : nameOf(written) == nameOf(key);
 }
 
-}  // namespace
+std::optional<std::string_view> valueBehind(Lexer& lexer, std::string_view text, const Token& key) {
+    const Token first = lexer.next();
+    lexer.moveTo(key.end());
+    const bool closes = first.kind == TokenKind::DictClose || first.kind == TokenKind::ArrayClose;
+    return closes ? text.substr(key.end(), 0) : lexer.nextValue();
+}
 
 std::size_t bodyBegin(std::string_view object) noexcept {
     Lexer lexer(object);
@@ -56,10 +63,7 @@ Dictionary::Dictionary(std::string_view text) {
             return;
         }
         if (key.kind != TokenKind::Name) continue;
-        const Token first = lexer.next();
-        lexer.moveTo(key.end());
-        const bool closes = first.kind == TokenKind::DictClose || first.kind == TokenKind::ArrayClose;
-        const auto value = closes ? text.substr(key.end(), 0) : lexer.nextValue();
+        const auto value = valueBehind(lexer, text, key);
         if (!value) break;
         entries_.push_back({key.text, *value});
     }

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "syntax/Lexer.h"
 
 namespace varnpdf {
 
@@ -17,6 +20,11 @@ std::string_view objectValue(std::string_view object) noexcept;
 /// Where the data of a stream begins whose keyword "stream" stands at `keyword`: behind LF or CR LF (ISO 32000-2
 /// 7.3.8.1), or behind a lone CR, which is no line end here, but some write it.
 std::size_t streamDataBegin(std::string_view object, std::size_t keyword) noexcept;
+
+/// Two names mean the same ("#41" is "A"); both with their slash.
+bool isSameName(std::string_view written, std::string_view key);
+/// The value behind a key of a dictionary in `text`, empty where the dictionary ends; nothing when it is not closed.
+std::optional<std::string_view> valueBehind(Lexer& lexer, std::string_view text, const Token& key);
 
 /// One dictionary, read once. The views are those of the text it was read from. Keys have their slash and are compared
 /// as they are meant ("#41" is "A"); a token that should be a key and is no name is passed over, as viewers do.

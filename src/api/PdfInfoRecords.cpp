@@ -8,7 +8,7 @@
 #include <new>
 #include <optional>
 
-#include "inspection/FieldReader.h"
+#include "api/FieldReader.h"
 #include "support/Guarded.h"
 #include "support/Log.h"
 #include "syntax/Text.h"

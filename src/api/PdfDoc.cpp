@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "api/FieldReader.h"
 #include "inspection/ByteRange.h"
-#include "inspection/FieldReader.h"
 #include "inspection/SignatureValue.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"

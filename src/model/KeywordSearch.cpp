@@ -1,5 +1,5 @@
 // Searching a document for one keyword.
-#include "reader/KeywordSearch.h"
+#include "model/KeywordSearch.h"
 
 #include <emmintrin.h>
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <memory>
 
-#include "inspection/FieldReader.h"
+#include "api/FieldReader.h"
 #include "inspection/SignatureValue.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"

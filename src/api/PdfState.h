@@ -1,0 +1,55 @@
+// What stands behind a CPdf: the document, and what a host keeps beside it.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "model/Document.h"
+#include "varnpdf/ByteStream.h"
+#include "varnpdf/Pdf.h"
+#include "writer/NewDocument.h"
+
+namespace varnpdf {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+
+struct PdfState {
+    Document document;
+    CByteStream output;  ///< of an update, or of the whole file with one
+    std::string fileName;
+    std::unique_ptr<std::FILE, FileCloser> file;
+    CPdfSigInfo signatures;
+    bool signaturesCounted = false;
+    int signatureCount = 0;
+    int objectCount = 0;
+    int fieldCounter = 0;
+    bool etsiSubFilter = false;
+    std::vector<std::unique_ptr<CPdfObjTransferListItem>> transfers;
+
+    // A document from nothing.
+    GrowingBytes content;
+    std::string ident;
+    int pagesParent = 0;
+    int rootNumber = 0;
+    int tableOffset = 0;
+};
+
+/// The way from the exported class to what it stands for.
+struct Access {
+    static PdfState& state(CPdf& pdf) noexcept { return *pdf.state_; }
+};
+inline void print(PdfState& state, std::string_view text) {
+    auto* const bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()));
+    state.output.append(bytes, static_cast<unsigned int>(text.size()));
+}
+/// The place in the resulting file where the output goes on in tail mode.
+inline std::size_t filePosition(const PdfState& state) noexcept {
+    return std::size_t{state.output.getoldcontentsize()} + state.output.tell();
+}
+inline Document& documentOf(CPdf& pdf) noexcept { return Access::state(pdf).document; }
+
+}  // namespace varnpdf

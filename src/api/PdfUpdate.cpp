@@ -1,0 +1,31 @@
+// CPdf: the output stream of an appended update.
+#include "api/PdfState.h"
+#include "writer/Update.h"
+
+using namespace varnpdf;
+
+void CPdf::ResetByteStream(unsigned int size) { state_->output.init(size); }
+
+int CPdf::WriteOld2ByteStream() {
+    print(*state_, state_->document.view());
+    return 0;
+}
+
+const char* CPdf::GetByteStream() const { return reinterpret_cast<const char*>(state_->output.data()); }
+int CPdf::GetByteStreamLen() const { return static_cast<int>(state_->output.tell()); }
+
+void CPdf::WriteTextAnnotation(CPdfTrailer* /*trailer*/, CPdfXRefContainer* xrefs, CPdfObj* obj) {
+    if (xrefs == nullptr || obj == nullptr) return;
+    addObjectEntry(*xrefs, obj->GetObjNum(), obj->GetGenNumber(), state_->output.tell());
+    print(*state_, objectText(obj->GetObjNum(), obj->GetGenNumber(), obj->content()));
+}
+
+int CPdf::WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode) {
+    if (xrefs == nullptr || trailer == nullptr) return 0;
+    const std::size_t section = tailMode ? filePosition(*state_) : state_->output.tell();
+    trailer->SetXRef(static_cast<int>(section));
+    print(*state_, crossReferenceTable(*xrefs));
+    trailer->UpdateId(renewId);
+    print(*state_, trailerText(*trailer, section));
+    return 0;
+}

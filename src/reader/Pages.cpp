@@ -1,0 +1,163 @@
+// The page tree.
+#include "reader/Pages.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "model/DictionaryEntry.h"
+#include "support/Limits.h"
+#include "support/Loggers.h"
+#include "syntax/Reference.h"
+
+namespace varnpdf {
+namespace {
+
+// The next reference of a list; whatever else stands in it is passed over.
+std::optional<int> takeReference(Cursor& cursor) {
+    while (!cursor.atEnd()) {
+        Cursor ahead = cursor;
+        const auto number = ahead.takeInt();
+        const auto generation = number ? ahead.takeInt() : std::nullopt;
+        ahead.skip(kIsCSpace);
+        if (generation && ahead.take('R')) {
+            cursor = ahead;
+            return number;
+        }
+        cursor.skip(kIsCSpace);
+        if (cursor.skip(kIsDigit) == 0) cursor.advance();
+    }
+    return std::nullopt;
+}
+
+std::string_view withoutBrackets(std::string_view array) {
+    array = stripReferenceArray(array);
+    return array.size() < 2 ? std::string_view{} : array.substr(1, array.size() - 2);
+}
+
+int wholeNumber(std::string_view token) { return Cursor(token).takeInt().value_or(0); }
+
+// "[%s %s %s %s]" with the first corner made the lower left.
+void readBox(std::string_view array, int* box) {
+    Cursor cursor(array);
+    if (!cursor.take('[')) return;
+    int values[4] = {};
+    for (int& value : values) {
+        cursor.skip(kIsCSpace);
+        const std::string_view token = cursor.takeUntil(kIsCSpace).of(array);
+        if (token.empty()) return;
+        value = wholeNumber(token);
+    }
+    box[0] = std::min(values[0], values[2]);
+    box[1] = std::min(values[1], values[3]);
+    box[2] = std::max(values[0], values[2]);
+    box[3] = std::max(values[1], values[3]);
+}
+
+// The text of an array that is there itself or by reference.
+std::string_view arrayText(std::string_view value, const CPdfObj* referenced) {
+    if (value.starts_with('[')) return value;
+    if (referenced == nullptr) return {};
+    const std::string_view text = referenced->content();
+    return text.substr(std::min(text.find('['), text.size()));
+}
+
+std::string_view kidsOf(const Document& document, const CPdfObj& node) {
+    const std::string_view value = trim(lookUpValue(node.content(), "/Kids"), " \n\r\t");
+    if (value.empty() || !isReference(value)) return withoutBrackets(value);
+    logDebug(loggers::pdf, "/Kids-Eintrag ist Referenz also Array von dort holen");
+    const CPdfObj* const array = referencedObject(document, value);
+    return array == nullptr ? std::string_view{} : withoutBrackets(array->content());
+}
+
+const PageNode& pageNode(Document& document, const CPdfObj& obj) {
+    const auto [it, added] = document.caches.pageNodes.try_emplace(&obj);
+    if (!added) return it->second;
+    const std::string_view text = obj.content();
+    if (const auto value = lookUp(text, "/MediaBox")) {
+        it->second.box.emplace();
+        readBox(arrayText(*value, referencedObject(document, *value)), it->second.box->data());
+    }
+    it->second.rotation = lookUpInt(text, "/Rotate");
+    it->second.parent = referencedObject(document, lookUpValue(text, "/Parent"));
+    return it->second;
+}
+
+}  // namespace
+
+// Depth first, left to right, without recursion. A node met before ends its branch: it would only repeat pages, or
+// never end.
+void walkTree(const Document& document, std::string_view references, const CPdfObj* root, bool (*isLeaf)(CPdfObj&),
+              std::vector<CPdfObj*>& leaves) {
+    std::vector<Cursor> levels{Cursor(references)};
+    // What each object is, asked once: a leaf may be listed many times.
+    enum class Kind { Node, Leaf, Other };
+    std::unordered_map<const CPdfObj*, Kind> kinds{{root, Kind::Node}};
+    for (std::size_t followed = 0; !levels.empty() && followed < limits::kTreeReferences; ++followed) {
+        const auto number = takeReference(levels.back());
+        if (!number) {
+            levels.pop_back();
+            continue;
+        }
+        CPdfObj* const obj = document.objects.find(*number);
+        if (obj == nullptr) continue;
+        const auto [known, isNew] = kinds.try_emplace(obj, Kind::Other);
+        if (isNew && lookUp(obj->content(), "/Kids")) {
+            known->second = Kind::Node;
+            if (levels.size() < static_cast<std::size_t>(limits::kNesting)) levels.emplace_back(kidsOf(document, *obj));
+            continue;
+        }
+        if (isNew && isLeaf(*obj)) known->second = Kind::Leaf;
+        if (known->second == Kind::Leaf) leaves.push_back(obj);
+    }
+}
+
+bool isPage(CPdfObj& obj) { return obj.typeEntry() == "/Page"; }
+
+CPdfObj* pagesRoot(const Document& document, const CPdfObj& catalogue) {
+    return referencedObject(document, lookUpValue(catalogue.content(), "/Pages"));
+}
+
+// Walking the tree for every page, or reading the long /Kids of a flat tree for each, would make a host that visits
+// all pages quadratic.
+const std::vector<CPdfObj*>& pagesBelow(Document& document, CPdfObj& root) {
+    auto& pages = document.caches.pages;
+    const std::uint64_t revision = document.objects.revision();
+    if (!pages || pages->root != &root || pages->revision != revision) {
+        document.caches.pageNodes.clear();
+        pages.emplace();
+        pages->root = &root;
+        pages->revision = revision;
+        walkTree(document, kidsOf(document, root), &root, isPage, pages->objects);
+    }
+    return pages->objects;
+}
+
+PageAttributes pageAttributes(Document& document, const CPdfObj& page) {
+    std::optional<std::array<int, 4>> box;
+    std::optional<int> turned;
+    const CPdfObj* obj = &page;
+    for (int i = 0; obj != nullptr && i < limits::kParents && !(box && turned); ++i) {
+        const PageNode& node = pageNode(document, *obj);
+        if (!box) box = node.box;
+        if (!turned) turned = node.rotation;
+        obj = node.parent;
+    }
+    const int degrees = turned.value_or(0);
+    return {box.value_or(std::array<int, 4>{}), degrees < 0 ? degrees + 360 : degrees};
+}
+
+int pageIndexOf(Document& document, int number) {
+    if (!document.newest || document.newest->GetSize() < 1 || document.encrypted) return -1;
+    const CPdfObj* const catalogue = referencedObject(document, document.newest->root());
+    CPdfObj* const root = catalogue == nullptr ? nullptr : pagesRoot(document, *catalogue);
+    if (root == nullptr) return -1;
+    const int count = lookUpInt(root->content(), "/Count").value_or(0);
+    const auto& pages = pagesBelow(document, *root);
+    const auto visited = std::min(pages.size(), static_cast<std::size_t>(std::max(count, 0)));
+    for (std::size_t i = 0; i < visited; ++i) {
+        if (pages[i]->GetObjNum() == number) return static_cast<int>(i);
+    }
+    return -1;
+}
+
+}  // namespace varnpdf
