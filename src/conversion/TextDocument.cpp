@@ -46,7 +46,7 @@ void putTextHead(ObjectFile& out) {
             " varnpdf text converter 1.0)\n", "/CreationDate (", creationDate(), ")\n", ">>\nendobj\n");
     out.startObject(2);
     out.put("\n<<\n/Type /Catalog\n/Pages 3 0 R\n>>\nendobj\n");
-    // Pages name object 5; hosts have known the font as object 4.
+    // Our pages name object 5; the font is object 4 as well for pages that a host puts between head and foot.
     for (const int number : {4, 5}) {
         out.startObject(number);
         out.put(kFont);

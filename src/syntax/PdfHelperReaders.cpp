@@ -47,7 +47,7 @@ float toReal(std::string_view token) noexcept {
 
 std::size_t readStream(std::string_view text, std::size_t dictEnd) noexcept {
     const std::size_t end = text.find("endstream", dictEnd);
-    // The length has always left out the byte in front of the keyword, which is the line end of a stream.
+    // The byte in front of the keyword, the line end of a stream, is no part of the length that hosts are given.
     return end == std::string_view::npos ? 0 : end - 1;
 }
 

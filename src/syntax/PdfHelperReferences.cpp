@@ -34,8 +34,8 @@ std::optional<ObjectRef> isReference(std::string_view text) noexcept {
 }
 
 std::optional<ReferenceToken> readReference(std::string_view text) noexcept {
-    // The rule asks for the first R of the whole text behind two numbers. A number with an R in it would be that R
-    // itself, so looking at the three tokens decides the same without searching the rest of the text for each object.
+    // The first R of the whole text must stand behind the two numbers, so a number with an R in it ends the search.
+    // Looking at three tokens decides this without going through the rest of the text for each object.
     Cursor in(text);
     int values[2] = {};
     for (int& value : values) {

@@ -98,7 +98,7 @@ std::optional<std::string> decodeLiteral(std::string_view body) {
             decoded += kEscaped[escape];
             escaping = false;
         } else if (isDigit(c)) {
-            // Up to three digits; what ends a shorter run goes with it. The value has always been 0, and what reads
+            // Up to three digits; what ends a shorter run goes with it. The value is 0 whatever they say: what reads
             // certificates out of strings counts on that.
             for (int digits = 1; digits < 3 && at + 1 < body.size(); ++digits) {
                 if (!isDigit(body[++at])) break;
