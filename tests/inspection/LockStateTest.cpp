@@ -47,6 +47,7 @@ TEST(LockState, Table) {
         // field locks of the signature
         {signedOne, reference("/FieldMDP"), all, "", 1},
         {signedOne, reference("/FieldMDP"), "<< /Type /TransformParams /Action /Include /Fields [(a)] >>", "", 0},
+        {signedOne, reference("/FieldMDP"), "<< /Type /TransformParams /Action /Any >>", "", 0},
         {signedOne, reference("/FieldMDP"), noChanges, "", 0},
         // usage rights, alone and beside others
         {signedOne, reference("/UR3"), noChanges, "", 0},
@@ -56,6 +57,7 @@ TEST(LockState, Table) {
         // field locks of the field
         {locked, plain, "", "<< /Type /SigFieldLock /Action /All >>", 1},
         {locked, plain, "", "<< /Type /SigFieldLock /Action /Include >>", 0},
+        {locked, plain, "", "<< /Type /SigFieldLock /Action /Any >>", 0},
         {locked, reference("/DocMDP"), "<< /Type /TransformParams /P 2 >>", "<< /Action /All >>", 1},
         {"/V 5 0 R /Lock << /Action /All >>", plain, "", "", 0},
         {"/V << /Type /Sig >> /Lock 7 0 R", "", "", "<< /Action /All >>", 1},

@@ -289,6 +289,15 @@ TEST(SecurityStore, ManySignaturesAndNone) {
     EXPECT_EQ(body(unsignedFile, 5), "<< \n   /VRI 4 0 R\n   /OCSPs []\n   /CRLs []\n   /Certs []\n>>");
 }
 
+// A number that is in use would replace its object; a /Size that is too small does not tell.
+TEST(SecurityStore, NewNumbersAreFree) {
+    PdfBuilder builder = signedDocument({"<01>"});
+    const std::string document = builder.object(9, "<< /Kept true >>").table({.size = "5"}).bytes();
+    OpenedPdf opened(stored(document, {{-1, "AQID", "", ""}}));
+    EXPECT_EQ(opened.body(9), "<< /Kept true >>");
+    EXPECT_NE(opened.body(10), "-");
+}
+
 TEST(SecurityStore, ArgumentsInOrder) {
     const TempFile in(signedDocument({"<01>"}).table().bytes());
     const TempFile out("old");

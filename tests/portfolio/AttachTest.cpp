@@ -319,6 +319,16 @@ TEST(Attach, DocumentsOfEveryKind) {
     }
 }
 
+// A number that is in use would replace its object; a /Size that is too small does not tell.
+TEST(Attach, NewNumbersAreFree) {
+    const Directory dir;
+    const std::string bytes = withCatalogue("").object(9, "<< /Kept true >>").table({.size = "5"}).bytes();
+    const std::string pdf = dir.file("a.pdf", bytes);
+    ASSERT_EQ(attach(pdf, dir.file("b.txt", "x")), 0);
+    EXPECT_EQ(embedded(pdf), "b.txt=b.txt:x");
+    EXPECT_EQ(OpenedPdf(bytesOf(pdf)).body(9), "<< /Kept true >>");
+}
+
 // Listing takes time with the length of the document, not with its square.
 TEST(Attachments, SharedObjectsEndTheList) {
     constexpr int kMany = 20'000;

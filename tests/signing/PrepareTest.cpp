@@ -266,6 +266,13 @@ TEST(Prepare, DirectObjectsKeepTheirBytes) {
     EXPECT_TRUE(holds(direct.body(1), "/Fields [ 5 0 R]" + form)) << direct.body(1);
 }
 
+// A number that is in use would replace its object; a /Size that is too small does not tell.
+TEST(Prepare, NewNumbersAreFree) {
+    OpenedPdf opened(signedFile(smallDocument().object(7, "<< /Kept true >>").table({.size = "5"}).bytes()));
+    EXPECT_EQ(opened.body(7), "<< /Kept true >>");
+    EXPECT_NE(opened.body(8), "-");
+}
+
 // The highest number that is written, not the highest that was reserved (ISO 32000-2 table 15).
 TEST(Prepare, SizeFollowsTheHighestNumber) {
     for (const int width : {0, 50}) {
