@@ -6,6 +6,7 @@ set -euo pipefail
 build=${BINARY_DIR:-$(cd "$(dirname "$0")/../.." && pwd)/build/release}
 cmake=${CMAKE:-cmake}
 cxx=${CXX:-c++}
+generator=${GENERATOR:-Ninja}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
@@ -45,7 +46,7 @@ add_executable(host host.cpp)
 target_link_libraries(host PRIVATE varnpdf::varnpdf)
 SOURCE
 
-"$cmake" -S "$work/host" -B "$work/host/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$cxx" \
+"$cmake" -G "$generator" -S "$work/host" -B "$work/host/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$cxx" \
     >"$work/configure.log"
 "$cmake" --build "$work/host/build" >"$work/build.log" || { cat "$work/build.log" >&2; exit 1; }
 "$work/host/build/host"
