@@ -3,7 +3,6 @@
 // DIRECTORY/entry, old security stores to DIRECTORY/store, files to convert to DIRECTORY/convert. Small files of the
 // corpus join the documents.
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -13,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/Corpus.h"
 #include "tests/support/PdfBuilder.h"
 
 namespace fs = std::filesystem;
@@ -198,8 +198,7 @@ void write(const fs::path& path, const std::string& bytes) {
 }
 
 int copyCorpus(const fs::path& target) {
-    const char* const named = std::getenv("VARNPDF_CORPUS");
-    const fs::path corpus = named != nullptr ? named : VARNPDF_SOURCE_DIR "/../shared/corpus";
+    const fs::path corpus = varnpdf::test::corpus();
     if (!fs::is_directory(corpus)) return 0;
     int copied = 0;
     for (const auto& item : fs::recursive_directory_iterator(corpus)) {

@@ -78,7 +78,7 @@ Counts read(const fs::path& file) {
 class Corpus : public testing::Test {
 protected:
     void SetUp() override {
-        if (!fs::exists(corpus() / "facts.tsv")) GTEST_SKIP() << "no corpus at " << corpus();
+        if (!fs::exists(corpus() / "facts.tsv")) GTEST_SKIP() << "VARNPDF_CORPUS names no corpus";
     }
 };
 

@@ -73,7 +73,7 @@ void expectSameParts(CPdf& pdf, std::string path, int index) {
 }
 
 TEST(InfoOnCorpus, SaysWhatTheDocumentSays) {
-    if (!fs::exists(varnpdf::test::corpus() / "facts.tsv")) GTEST_SKIP() << "no corpus";
+    if (!fs::exists(varnpdf::test::corpus() / "facts.tsv")) GTEST_SKIP() << "VARNPDF_CORPUS names no corpus";
     int signatures = 0;
     for (const auto& item : fs::recursive_directory_iterator(varnpdf::test::corpus())) {
         if (item.path().extension() != ".pdf") continue;

@@ -320,12 +320,14 @@ def report(failures, expected, examined):
 
 def documents(arguments, work):
     found = list(matrix_documents.write(work)) if arguments.own else []
-    corpus = pathlib.Path(arguments.corpus)
-    if corpus.is_dir():
+    if arguments.corpus:
+        corpus = pathlib.Path(arguments.corpus)
         files = sorted(corpus.rglob("*.pdf"))[arguments.start::arguments.every]
         found += [(str(file.relative_to(corpus)), file) for file in files]
-    elif not found:
-        print(f"skipped: no corpus at {corpus}")
+    elif found:
+        print("documents of a corpus: skipped, VARNPDF_CORPUS names none")
+    else:
+        print("skipped: VARNPDF_CORPUS names no corpus")
         sys.exit(77)
     return [(name, file) for name, file in found if re.search(arguments.only, name)]
 
@@ -333,7 +335,7 @@ def documents(arguments, work):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", default=os.environ.get("VARNPDF", "varnpdf"), help="varnpdf (default: $VARNPDF)")
-    parser.add_argument("--corpus", default=os.environ.get("VARNPDF_CORPUS", HERE.parents[2] / "shared/corpus"),
+    parser.add_argument("--corpus", default=os.environ.get("VARNPDF_CORPUS"),
                         help="directory of PDF files (default: $VARNPDF_CORPUS)")
     parser.add_argument("--expected", default=HERE / "matrix-expected.tsv", type=pathlib.Path,
                         help="failures with a cause")
