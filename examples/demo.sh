@@ -1,11 +1,11 @@
 #!/bin/bash
 # Signs a document visibly with a key made for the occasion, checks the result with varnpdf, pdfsig and qpdf, and leaves
-# a picture of the signed page. VARNPDF names the program (without it the release build's), DEMO_OUT the directory for
-# the results (without it build/demo). Ends non-zero when a check fails.
+# a picture of the signed page. VARNPDF names the program (without it the one ./run demo builds), DEMO_OUT the
+# directory for the results (without it build/demo). Ends non-zero when a check fails.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
-varnpdf=${VARNPDF:-$here/../build/release/cli/varnpdf}
+varnpdf=${VARNPDF:-$here/../build/program/cli/varnpdf}
 out=${DEMO_OUT:-$(cd "$here/.." && pwd)/build/demo}
 mkdir -p "$out"
 work=$(mktemp -d)
