@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/timeb.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -118,14 +117,6 @@ std::string_view justFilename(std::string_view path) {
     return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
-std::string fileDate(std::time_t time) {
-    constexpr int kSecondsPerMinute = 60;
-    tzset();
-    timeb value{};
-    value.time = time;
-    value.timezone = static_cast<short>(timezone / kSecondsPerMinute);
-    value.dstflag = static_cast<short>(daylight != 0 ? 1 : 0);
-    return pdfDate(value);
-}
+std::string fileDate(std::time_t time) { return pdfDate(zonedTime(time)); }
 
 }  // namespace varnpdf

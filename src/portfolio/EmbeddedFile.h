@@ -30,7 +30,7 @@ PackResult examineFile(const char* path);
 /// What stands behind the last '/'.
 std::string_view justFilename(std::string_view path);
 
-/// A time as PDF date with the zone that the C library's globals name.
+/// A time as PDF date with the zone that holds then.
 std::string fileDate(std::time_t time);
 
 }  // namespace varnpdf

@@ -51,7 +51,7 @@ int numberAt(std::string_view date, std::size_t from, std::size_t count) {
 
 bool isCalendarDay(int year, int month, int day) {
     constexpr std::array kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    if (year < 1970 || year > 2037 || month < 1 || month > 12) return false;
+    if (month < 1 || month > 12) return false;
     const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
     const int days = kDays[static_cast<std::size_t>(month - 1)] + (leap && month == 2 ? 1 : 0);
     return day >= 1 && day <= days;
@@ -81,7 +81,99 @@ std::optional<TextSpan> valueBehind(std::string_view text, std::size_t open, cha
     return TextSpan{open + 1, end};
 }
 
+std::string completeDate(const std::tm& time, long secondsEast) {
+    const long minutes = std::labs(secondsEast) / 60;
+    return text("D:", stamp(time, "", "", ""), secondsEast < 0 ? '-' : '+', Digits{minutes / 60, 2}, '\'',
+                Digits{minutes % 60, 2}, '\'');
+}
+
+/// A date as it is given: without a zone it is local time.
+struct GivenDate {
+    std::array<int, 6> fields = {0, 1, 1, 0, 0, 0};  // year, month, day, hour, minute, second
+    std::optional<int> minutesEast;
+};
+
+std::optional<int> takeDigits(Cursor& in, std::size_t count) {
+    const std::string_view digits = in.rest().substr(0, count);
+    if (digits.size() < count || !std::ranges::all_of(digits, isDigit)) return std::nullopt;
+    in.advance(count);
+    return numberAt(digits, 0, count);
+}
+
+// The separators in front of month, day, hour, minute and second; ISO 8601 may leave them out like a PDF date.
+bool takeFields(Cursor& in, bool isPdf, GivenDate& date) {
+    constexpr std::string_view kSeparators = "--T::";
+    for (std::size_t i = 0; i < date.fields.size(); ++i) {
+        if (i > 0 && !isPdf) {
+            const bool separated = in.take(kSeparators[i - 1]) || (i == 3 && in.take(' '));
+            if (!separated && (i == 3 || !isDigit(in.peek()))) return i >= 3;
+        }
+        const auto number = takeDigits(in, i == 0 ? 4 : 2);
+        if (!number) return isPdf && i > 0 && !isDigit(in.peek());  // a PDF date may end after any field
+        date.fields[i] = *number;
+    }
+    if (in.take('.')) in.skip(kIsDigit);  // fractions of a second are not kept
+    return true;
+}
+
+// "Z", "+01'00'", "+01'00", "+01:00", "+0100", "+01"; some producers write "Z00'00'".
+bool takeZone(Cursor& in, GivenDate& date) {
+    if (in.atEnd()) return true;
+    const bool utc = in.take('Z');
+    const bool west = !utc && in.take('-');
+    if (!utc && !west && !in.take('+')) return false;
+    date.minutesEast = 0;
+    if (utc && in.atEnd()) return true;
+    const auto hours = takeDigits(in, 2);
+    if (!hours || *hours > (utc ? 0 : 23)) return false;
+    if (!in.take('\'')) {
+        if (utc) return false;
+        in.take(':');
+    }
+    const int minutes = in.atEnd() && !utc ? 0 : takeDigits(in, 2).value_or(60);
+    in.take('\'');
+    date.minutesEast = (west ? -1 : 1) * (*hours * 60 + minutes);
+    return minutes <= (utc ? 0 : 59) && in.atEnd();
+}
+
 }  // namespace
+
+std::string localPdfDate(std::time_t time) {
+    const auto local = localTime(time);
+    return local ? completeDate(*local, local->tm_gmtoff) : "";
+}
+
+std::optional<std::string> completePdfDate(std::string_view date) {
+    const bool isPdf = date.starts_with("D:");
+    Cursor in(date, isPdf ? 2 : 0);
+    GivenDate given;
+    if (!takeFields(in, isPdf, given) || !takeZone(in, given)) return std::nullopt;
+    const auto& [year, month, day, hour, minute, second] = given.fields;
+    if (!isCalendarDay(year, month, day) || hour > 23 || minute > 59 || second > 59) return std::nullopt;
+    std::tm time{};
+    time.tm_year = year - 1900;
+    time.tm_mon = month - 1;
+    time.tm_mday = day;
+    time.tm_hour = hour;
+    time.tm_min = minute;
+    time.tm_sec = second;
+    if (given.minutesEast) return completeDate(time, *given.minutesEast * 60L);
+    std::tm local = time;
+    local.tm_isdst = -1;
+    std::mktime(&local);
+    return completeDate(time, local.tm_gmtoff);
+}
+
+timeb zonedTime(std::time_t time) {
+    timeb zoned{};
+    zoned.time = time;
+    if (const auto local = localTime(time)) {
+        const bool summer = local->tm_isdst > 0;
+        zoned.timezone = static_cast<short>(-local->tm_gmtoff / 60 + (summer ? 60 : 0));
+        zoned.dstflag = static_cast<short>(summer ? 1 : 0);
+    }
+    return zoned;
+}
 
 std::string pdfDate(std::time_t time) {
     const auto local = localTime(time);
@@ -139,7 +231,7 @@ std::optional<timeb> timeOfPdfDate(std::string_view date, const ClassLogger& log
     local.tm_hour = numberAt(date, 10, 2);
     local.tm_min = numberAt(date, 12, 2);
     local.tm_sec = numberAt(date, 14, 2);
-    if (!isCalendarDay(year, month, local.tm_mday)) return {};
+    if (year < 1970 || year > 2037 || !isCalendarDay(year, month, local.tm_mday)) return {};
     const int summer = daylightFlag(zoneHour);
     local.tm_isdst = summer;
     timeb time{};

@@ -18,6 +18,13 @@ namespace varnpdf {
 std::string pdfDate(std::time_t time);
 /// The local time with the zone of the structure, the zone's hour with one digit west of UTC; empty likewise.
 std::string pdfDate(const timeb& time);
+/// The structure for a time, with the zone that holds then.
+timeb zonedTime(std::time_t time);
+/// The local time with the offset that holds then, complete: D:20261115023351+01'00'. Empty likewise.
+std::string localPdfDate(std::time_t time);
+/// A PDF date or one of ISO 8601 in that form. What is not said counts as the first of its kind, a missing zone as the
+/// local one of that time. Nothing for what is no date.
+std::optional<std::string> completePdfDate(std::string_view date);
 /// A text to show: `format` 0 with points, 1 with hyphens, any other without date; the zone behind it.
 std::string displayDate(int format, const timeb& time);
 

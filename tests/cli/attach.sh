@@ -36,6 +36,17 @@ run 0 '' attachments out.pdf --extract ours
 same 'no file is overwritten' 6 "$(find ours -type f | wc -l)"
 same 'numbers in front of the extension' 0 "$(cmp random.bin 'ours/random (2).bin'; echo $?)"
 
+# --- dates: the zone is the one that held when the file was changed ---------------------------------------------------
+while read -r changed date; do
+    cp original.pdf dated.pdf
+    touch -d "$changed" Numbers.TXT
+    TZ=Europe/Berlin run 0 '' attach dated.pdf Numbers.TXT
+    same "file of $changed" "/ModDate (D:$date)" "$(grep -a ModDate dated.pdf | tr -d '\r')"
+done <<'TABLE'
+2026-07-15T12:00:00Z 20260715140000+02'00'
+2025-11-15T12:00:00Z 20251115130000+01'00'
+TABLE
+
 # --- mode, links, failures --------------------------------------------------------------------------------------------
 cp original.pdf kept.pdf && chmod 604 kept.pdf && ln -s kept.pdf link.pdf
 run 0 '' attach link.pdf Numbers.TXT

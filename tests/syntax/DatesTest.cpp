@@ -64,6 +64,57 @@ TEST(PdfDate, IsLocalTimeWithTheHourOfDaylightSavingAllYear) {
     EXPECT_EQ(varnpdf::pdfDate(std::time_t{1} << 40U), "") << "a year of five digits has no place in a date";
 }
 
+TEST(PdfDate, OfAnotherMomentHasTheZoneThatHeldThen) {
+    constexpr std::time_t kJuly = 1784109600;
+    const struct {
+        const char* zone;
+        std::time_t time;
+        std::string complete, brief;
+    } rows[] = {
+        {kBerlin, kNovember, "D:20261115023351+01'00'", "D:20261115023351+01'00'"},
+        {kBerlin, kJuly, "D:20260715120000+02'00'", "D:20260715120000+02'00'"},
+        {"EST5EDT", kNovember, "D:20261114203351-05'00'", "D:20261114203351-5'00'"},
+        {"EST5EDT", kJuly, "D:20260715060000-04'00'", "D:20260715060000-4'00'"},
+        {"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", kNovember, "D:20261115123351+11'00'", "D:20261115123351+11'00'"},
+        {"NST3:30", kNovember, "D:20261114220351-03'30'", "D:20261114220351-3'-30'"},
+    };
+    for (const auto& [name, time, complete, brief] : rows) {
+        const Zone zone(name);
+        EXPECT_EQ(varnpdf::localPdfDate(time), complete);
+        EXPECT_EQ(varnpdf::pdfDate(varnpdf::zonedTime(time)), brief);
+    }
+    EXPECT_EQ(varnpdf::localPdfDate(std::time_t{1} << 40U), "");
+}
+
+TEST(CompleteDate, OfPdfAndIso8601) {
+    const Zone zone(kBerlin);
+    check({"2026-11-15T02:33:51-05:30 -> D:20261115023351-05'30'",
+           "2026-07-15T02:33 -> D:20260715023300+02'00'",
+           "20261115T023351.5Z -> D:20261115023351+00'00'",
+           "2026-11-15 -> D:20261115000000+01'00'",
+           "2026-11-15T02+0100 -> D:20261115020000+01'00'",
+           "D:2026 -> D:20260101000000+01'00'",
+           "D:202607 -> D:20260701000000+02'00'",
+           "D:20261115023351+01'00 -> D:20261115023351+01'00'",
+           "D:20261115023351-11 -> D:20261115023351-11'00'",
+           "D:20261115023351Z00'00' -> D:20261115023351+00'00'",
+           "2026-02-29 -> none",
+           "2026-13-01 -> none",
+           "2026-11-15T24:00 -> none",
+           "2026-11-15T02:60 -> none",
+           "2026-11-15T02:33:51+24:00 -> none",
+           "2026-11-15T02:33:51+01:60 -> none",
+           "2026-11-15T02:33:51+01:00x -> none",
+           "D:20261115023351Z0000 -> none",
+           "D:20261115023351Z01'00' -> none",
+           "D:202611150 -> none",
+           "2026-1-1 -> none",
+           "D: -> none",
+           " -> none"},
+          [](const std::string& date) { return varnpdf::completePdfDate(date).value_or("none"); });
+    EXPECT_EQ(varnpdf::completePdfDate("2026-07-15 02:33"), "D:20260715023300+02'00'");
+}
+
 TEST(PdfDate, Now) {
     const Zone zone(kBerlin);
     Out out(24);
