@@ -10,7 +10,7 @@
 #include "extraction.h"
 #include "output.h"
 #include "progress.h"
-#include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -36,9 +36,9 @@ struct Options {
 /// A key or name as people read it. Keys of this library begin with a mark of their own.
 std::string shown(const std::string& text) {
     if (text.starts_with("\xEF\xBF") && !text.starts_with("\xEF\xBF\xBD") && text.size() % 2 == 0) {
-        return cli::decodeTextString("\xFE\xFF" + text.substr(2));
+        return CPdfText::DecodeTextString("\xFE\xFF" + text.substr(2));
     }
-    return cli::decodeTextString(text);
+    return CPdfText::DecodeTextString(text);
 }
 
 std::string nameOf(const CPdfAttachments& files, int index) {
@@ -49,10 +49,10 @@ std::string nameOf(const CPdfAttachments& files, int index) {
 void list(const CPdfAttachments& files) {
     for (int i = 0; i < files.GetCount(); ++i) {
         const long long size = files.GetSize(i);
-        const std::string type = cli::printable(files.GetMimeType(i));
-        const std::string description = cli::printable(shown(files.GetDescription(i)));
+        const std::string type = CPdfText::Printable(files.GetMimeType(i));
+        const std::string description = CPdfText::Printable(shown(files.GetDescription(i)));
         cli::put(std::to_string(i) + '\t' + (size < 0 ? "-" : std::to_string(size)) + '\t' +
-                 (type.empty() ? "-" : type) + '\t' + cli::printable(nameOf(files, i)) +
+                 (type.empty() ? "-" : type) + '\t' + CPdfText::Printable(nameOf(files, i)) +
                  (description.empty() ? "" : '\t' + description) + '\n');
     }
 }
@@ -65,7 +65,7 @@ void listJson(const CPdfAttachments& files) {
         out.push_back({{"index", i},
                        {"name", nameOf(files, i)},
                        {"key", shown(files.GetKey(i))},
-                       {"type", type.empty() ? Json(nullptr) : Json(cli::validUtf8(type))},
+                       {"type", type.empty() ? Json(nullptr) : Json(CPdfText::ValidUtf8(type))},
                        {"size", size < 0 ? Json(nullptr) : Json(size)},
                        {"description", shown(files.GetDescription(i))}});
     }
@@ -84,7 +84,7 @@ bool extractOne(CPdfAttachments& files, int index, cli::Extraction& target, cons
     }
     const std::string written = target.write(name, bytes);
     if (written.empty()) return false;
-    cli::put(cli::printable(written) + '\n');
+    cli::put(CPdfText::Printable(written) + '\n');
     return true;
 }
 

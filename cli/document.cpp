@@ -7,6 +7,7 @@
 
 #include "command.h"
 #include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -76,8 +77,9 @@ std::optional<std::string_view> cli::value(CPdf& pdf, CPdfObj& obj, const char* 
 
 std::optional<std::string> cli::displayed(std::optional<std::string_view> text) {
     if (!text || *text == "null") return std::nullopt;
-    if (const std::optional<std::string> bytes = stringBytes(*text)) return decodeTextString(*bytes);
-    if (const std::optional<std::string> name = nameText(*text)) return validUtf8(*name);
+    if (const std::optional<std::string> bytes = CPdfText::StringBytes(*text))
+        return CPdfText::DecodeTextString(*bytes);
+    if (const std::optional<std::string> name = CPdfText::NameBytes(*text)) return CPdfText::ValidUtf8(*name);
     if (text->starts_with('(')) return std::nullopt;  // a string that never ends
-    return validUtf8(*text);
+    return CPdfText::ValidUtf8(*text);
 }

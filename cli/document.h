@@ -28,7 +28,7 @@ CPdfObj* referenced(CPdf& pdf, std::string_view text);
 /// The object that an entry refers to, or null.
 CPdfObj* referenced(CPdf& pdf, CPdfObj& obj, const char* key);
 /// Text of an entry's value as it stands in the object. A literal string is only known to begin there: its end is
-/// found by counting parentheses, which is left to `stringBytes`.
+/// found by counting parentheses, which is left to `CPdfText::StringBytes`.
 std::optional<std::string_view> entry(CPdfObj& obj, const char* key);
 /// The same with references followed.
 std::optional<std::string_view> value(CPdf& pdf, CPdfObj& obj, const char* key);

@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "command.h"
-#include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -35,7 +35,7 @@ bool rename(int directory, const std::string& from, const std::string& to) {
 }  // namespace
 
 std::string cli::harmlessName(const std::string& utf8) {
-    std::string name = printable(utf8.substr(utf8.find_last_of("/\\") + 1));
+    std::string name = CPdfText::Printable(utf8.substr(utf8.find_last_of("/\\") + 1));
     if (name.size() > kLongestName) {
         const std::size_t dot = name.rfind('.');
         const std::string extension = dot == std::string::npos || name.size() - dot > 16 ? "" : name.substr(dot);

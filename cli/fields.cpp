@@ -5,8 +5,8 @@
 #include <functional>
 
 #include "document.h"
-#include "text.h"
 #include "tokens.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -132,7 +132,7 @@ bool cli::SignatureSearch::firstVisit(const CPdfObj& obj) {
 
 bool cli::SignatureSearch::isSignature(const CPdfObj& field, bool inherited) {
     const std::optional<std::string_view> type = lookUp(*pdf_, field, "FT");
-    return type ? nameText(*type) == "Sig" : inherited;
+    return type ? CPdfText::NameBytes(*type) == "Sig" : inherited;
 }
 
 std::string cli::SignatureSearch::fullName(const CPdfObj& field, const std::string& prefix) {

@@ -8,7 +8,7 @@
 #include "command.h"
 #include "document.h"
 #include "output.h"
-#include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -67,9 +67,9 @@ Json describe(CPdfForm& form, int index) {
     const std::string type = form.GetType(index);
     const auto flags = static_cast<unsigned>(form.GetFlags(index));
     const int page = form.GetPage(index);
-    Json out = {{"name", cli::validUtf8(form.GetName(index))}, {"type", kindOf(type, flags)}};
+    Json out = {{"name", CPdfText::ValidUtf8(form.GetName(index))}, {"type", kindOf(type, flags)}};
     const char* value = form.GetValue(index);
-    out["value"] = value == nullptr || type == "Sig" ? Json(nullptr) : Json(cli::validUtf8(value));
+    out["value"] = value == nullptr || type == "Sig" ? Json(nullptr) : Json(CPdfText::ValidUtf8(value));
     if (type == "Sig") out["signed"] = value != nullptr;
     out["page"] = page < 0 ? Json(nullptr) : Json(page + 1);
     out["object"] = form.GetObjNum(index);
@@ -83,13 +83,14 @@ Json describe(CPdfForm& form, int index) {
 
 void printForPeople(const Json& fields) {
     for (const Json& field : fields) {
-        std::string line = cli::printable(field["name"].get<std::string>()) + "  " + field["type"].get<std::string>();
+        std::string line =
+            CPdfText::Printable(field["name"].get<std::string>()) + "  " + field["type"].get<std::string>();
         line += field["page"].is_null() ? "  no page" : "  page " + field["page"].dump();
         for (const Json& flag : field["flags"]) line += " " + flag.get<std::string>();
         if (field["locked"].get<bool>()) line += " locked";
         if (!field["max_length"].is_null()) line += " max " + field["max_length"].dump();
         if (field.contains("signed")) line += field["signed"].get<bool>() ? "  signed" : "  not signed";
-        if (!field["value"].is_null()) line += "  = " + cli::printable(field["value"].get<std::string>());
+        if (!field["value"].is_null()) line += "  = " + CPdfText::Printable(field["value"].get<std::string>());
         cli::put(line + '\n');
     }
 }
@@ -114,7 +115,7 @@ int run(const Options& options) {
         left -= value->size();
     }
     if (options.json) {
-        cli::put(Json{{"file", cli::validUtf8(options.file)}, {"fields", std::move(fields)}}.dump() + '\n');
+        cli::put(Json{{"file", CPdfText::ValidUtf8(options.file)}, {"fields", std::move(fields)}}.dump() + '\n');
     } else {
         printForPeople(fields);
     }

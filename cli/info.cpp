@@ -13,7 +13,7 @@
 #include "output.h"
 #include "signatures.h"
 #include "store.h"
-#include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ struct Options {
 
 /// Order of the keys of one document; everything null.
 Json blankDocument(const std::string& file) {
-    Json out = {{"file", cli::validUtf8(file)}};
+    Json out = {{"file", CPdfText::ValidUtf8(file)}};
     for (const char* key :
          {"code", "version", "line_end", "linearized", "encrypted", "cross_reference", "sections", "size", "file_bytes",
           "objects", "page_count", "pages", "locked", "security_store", "fields", "signatures"}) {
@@ -119,7 +119,7 @@ Json describe(CPdf& pdf, const std::string& file, int code) {
 
 std::string text(const Json& value) {
     if (value.is_null()) return "-";
-    if (value.is_string()) return cli::printable(value.get<std::string>());
+    if (value.is_string()) return CPdfText::Printable(value.get<std::string>());
     if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
     if (!value.is_array()) return value.dump();
     std::string out;

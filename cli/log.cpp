@@ -1,6 +1,7 @@
 // Appender for the library's log. It writes messages as they are, in UTF-8: the stock console appender recodes them
 // for the locale and turns umlauts into question marks under LC_ALL=C.
 #include "log.h"
+#include "varnpdf/PdfText.h"
 
 #include <log4cxx/appenderskeleton.h>
 #include <log4cxx/helpers/loglog.h>
@@ -11,8 +12,6 @@
 
 #include <cstdio>
 #include <memory>
-
-#include "text.h"
 
 namespace {
 
@@ -35,7 +34,7 @@ protected:
     void append(const spi::LoggingEventPtr& event, helpers::Pool&) override {
         // Messages quote the document: one event stays one line, and nothing in it commands the terminal.
         const std::string line = event->getLevel()->toString() + ' ' + event->getLoggerName() + ": " +
-                                 cli::printable(event->getMessage()) + '\n';
+                                 CPdfText::Printable(event->getMessage()) + '\n';
         std::fwrite(line.data(), 1, line.size(), stderr);
     }
 };

@@ -12,7 +12,7 @@
 #include <memory>
 
 #include "command.h"
-#include "text.h"
+#include "varnpdf/PdfText.h"
 #include "varnpdf/result.h"
 
 namespace {
@@ -143,7 +143,7 @@ bool cli::WorkFile::commit() {
 
 void cli::complain(const std::string& what, const std::string& sentence) {
     std::fflush(stdout);
-    const std::string line = "varnpdf: " + printable(what) + ": " + printable(sentence) + '\n';
+    const std::string line = "varnpdf: " + CPdfText::Printable(what) + ": " + CPdfText::Printable(sentence) + '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

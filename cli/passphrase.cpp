@@ -10,7 +10,7 @@
 #include <cstring>
 
 #include "command.h"
-#include "text.h"
+#include "varnpdf/PdfText.h"
 
 cli::Passphrase::~Passphrase() { OPENSSL_cleanse(buffer_.data(), buffer_.size()); }
 
@@ -66,7 +66,7 @@ bool cli::Passphrase::ask(const std::string& what) {
         return false;
     }
     ::close(terminal);
-    const std::string prompt = "Pass phrase for " + printable(what) + ": ";
+    const std::string prompt = "Pass phrase for " + CPdfText::Printable(what) + ": ";
     if (EVP_read_pw_string(buffer_.data(), static_cast<int>(buffer_.size()), prompt.c_str(), 0) != 0) {
         complain(what, "no pass phrase was given");
         return false;

@@ -9,9 +9,9 @@
 #include <fstream>
 
 #include "command.h"
-#include "dates.h"
 #include "document.h"
 #include "encode.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -38,6 +38,16 @@ bool takeTextString(const char* what, const std::string& utf8, std::string& out)
     if (!text || !fits(what, text->size())) return false;
     out = std::move(*text);
     return true;
+}
+
+/// The given date, or now.
+std::optional<std::string> signingTime(const std::string& given) {
+    auto date = given.empty() ? CPdfText::Now() : CPdfText::CompleteDate(given);
+    if (!date) {
+        cli::complain("--date",
+                      "this is no date such as 2026-11-15T02:33:51+01:00 or D:20261115023351+01'00': " + given);
+    }
+    return date;
 }
 
 bool isPng(const std::string& path) {
@@ -93,7 +103,7 @@ void cli::addPreparationOptions(CLI::App& parser, PreparationOptions& options) {
 
 std::optional<cli::Preparation> cli::Preparation::from(const PreparationOptions& options) {
     const std::optional<Placement> placement = placementOf(options.placement);
-    const std::optional<std::string> date = pdfDate(options.date);
+    const std::optional<std::string> date = signingTime(options.date);
     if (!placement || !date) return std::nullopt;
     Preparation out;
     out.file_ = options.file;

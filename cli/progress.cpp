@@ -1,13 +1,12 @@
 // What a long command is doing, for people who wait at a terminal.
 #include "progress.h"
+#include "varnpdf/PdfText.h"
 
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdio>
 #include <utility>
-
-#include "text.h"
 
 namespace {
 
@@ -41,7 +40,7 @@ void cli::Progress::show() {
     int seconds = 0;
     while (!end_.wait_for(lock, std::chrono::seconds(1), [this] { return ended_; })) {
         std::string line(kEraseLine);
-        line += verb_ + ' ' + printable(item_);
+        line += verb_ + ' ' + CPdfText::Printable(item_);
         if (total_ > 1) line += " (" + std::to_string(number_) + " of " + std::to_string(total_) + ')';
         write(line + ", " + std::to_string(++seconds) + " s");
     }

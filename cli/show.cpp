@@ -11,6 +11,7 @@
 #include "document.h"
 #include "output.h"
 #include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ void putRaw(std::string_view bytes) {
     }
     for (std::size_t begin = 0; begin < bytes.size();) {
         const std::size_t end = std::min(bytes.find_first_of("\r\n", begin), bytes.size());
-        cli::put(cli::printable(bytes.substr(begin, end - begin)));
+        cli::put(CPdfText::Printable(bytes.substr(begin, end - begin)));
         if (end < bytes.size()) cli::put("\n");
         begin = bytes.substr(end).starts_with("\r\n") ? end + 2 : end + 1;
     }
@@ -76,7 +77,7 @@ void showTable(CPdf& pdf) {
         const char* state = !obj.IsInUse() ? "free" : obj.GetContentLen() > 0 ? "in use" : "missing";
         std::string type;
         for (const char* part : {obj.get_dictionary_type(), obj.get_dictionary_subtype()}) {
-            if (part != nullptr) type += (type.empty() ? "" : " ") + cli::printable(cli::trimmed(part));
+            if (part != nullptr) type += (type.empty() ? "" : " ") + CPdfText::Printable(cli::trimmed(part));
         }
         char line[128];
         std::snprintf(line, sizeof line, "%8d %5d  %-20s  %-7s", obj.GetObjNum(), obj.GetGenNumber(), place.c_str(),

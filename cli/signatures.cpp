@@ -12,6 +12,7 @@
 
 #include "document.h"
 #include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -81,7 +82,7 @@ bool coversWholeFile(CPdf& pdf, const Range& range) {
 std::optional<std::size_t> roomOf(std::optional<std::string_view> text) {
     if (!text) return std::nullopt;
     if (text->starts_with('(')) {
-        const std::optional<std::string> bytes = cli::stringBytes(*text);
+        const std::optional<std::string> bytes = CPdfText::StringBytes(*text);
         return bytes ? std::optional(bytes->size()) : std::nullopt;
     }
     std::size_t digits = 0;

@@ -13,8 +13,8 @@
 #include "document.h"
 #include "material.h"
 #include "state.h"
-#include "text.h"
 #include "tokens.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -107,7 +107,7 @@ private:
     std::size_t budget_ = kInflateBudget;
 };
 
-Json orNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(cli::validUtf8(text)); }
+Json orNull(const std::string& text) { return text.empty() ? Json(nullptr) : Json(CPdfText::ValidUtf8(text)); }
 
 struct Kind {
     const char* name;
@@ -144,7 +144,7 @@ std::map<std::string, int> signatureKeys(CPdf& pdf) {
         if (field == nullptr) break;
         const Followed dictionary = follow(pdf, cli::lookUp(*field, "V"));
         const auto contents = cli::lookUp(dictionary.text, "Contents");
-        const auto bytes = contents ? cli::stringBytes(*contents) : std::nullopt;
+        const auto bytes = contents ? CPdfText::StringBytes(*contents) : std::nullopt;
         if (!bytes) continue;
         CSHA sha(0);
         std::array<char, 20> digest{};
@@ -182,11 +182,11 @@ Json entries(CPdf& pdf, std::string_view store) {
     cli::Tokens tokens(follow(pdf, cli::lookUp(store, "VRI")).text);
     if (tokens.next() != "<<") return out;
     while (const auto key = tokens.next()) {
-        const auto name = cli::nameText(*key);
+        const auto name = CPdfText::NameBytes(*key);
         const auto value = name ? tokens.nextValue() : std::nullopt;
         if (!value) break;
         const auto signature = signatures.find(lower(*name));
-        Json entry = {{"key", cli::validUtf8(*name)}, {"signature", nullptr}};
+        Json entry = {{"key", CPdfText::ValidUtf8(*name)}, {"signature", nullptr}};
         if (signature != signatures.end()) entry["signature"] = signature->second;
         const Followed dictionary = follow(pdf, *value);
         auto& counts = known[dictionary.holder];

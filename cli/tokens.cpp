@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "document.h"
-#include "text.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -111,7 +111,7 @@ std::optional<std::string_view> cli::lookUp(std::string_view dictionary, std::st
         if (!name || !name->starts_with('/')) return found;
         const std::optional<std::string_view> value = tokens.nextValue();
         if (!value || *value == ">>") return found;
-        if (nameText(*name) == key) found = value;
+        if (CPdfText::NameBytes(*name) == key) found = value;
     }
 }
 

@@ -17,6 +17,7 @@
 #include "output.h"
 #include "text.h"
 #include "tokens.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -133,14 +134,14 @@ void addCoverage(CPdf& pdf, const Range& range, Json& out) {
 void addValue(CPdf& pdf, const cli::Dictionary& dictionary, const Range& range, const Format& format,
               X509_STORE* anchors, Json& out) {
     const std::string_view all = wholeFile(pdf);
-    const std::string value = cli::stringBytes(valueText(dictionary)).value_or("");
+    const std::string value = CPdfText::StringBytes(valueText(dictionary)).value_or("");
     const std::string_view pieces[] = {all.substr(0, range.firstLength),
                                        all.substr(range.secondBegin, range.end - range.secondBegin)};
     const cli::ValueReport report = cli::checkValue(value, pieces, format.content);
     out["intact"] = report.state == cli::ValueState::kIntact;
     if (!out["intact"]) out["problem"] = cli::sentenceOf(report.state);
     if (!report.digest.empty()) out["digest"] = report.digest;
-    if (report.signer) out["signer"] = cli::validUtf8(cli::subjectName(report.signer.get()));
+    if (report.signer) out["signer"] = CPdfText::ValidUtf8(cli::subjectName(report.signer.get()));
     if (anchors == nullptr) return;
     const std::optional<std::string> untrusted = cli::chainProblem(report, anchors);
     out["trusted"] = !untrusted;
@@ -188,7 +189,7 @@ Json checked(CPdf& pdf, const cli::SignatureField& field, X509_STORE* anchors) {
 bool isGood(const Json& signature) { return signature["intact"] == true && signature["trusted"] != false; }
 
 Json checkFile(const std::string& file, X509_STORE* anchors, std::size_t& size) {
-    Json out = {{"file", cli::validUtf8(file)}, {"ok", false}, {"code", nullptr}, {"error", nullptr}};
+    Json out = {{"file", CPdfText::ValidUtf8(file)}, {"ok", false}, {"code", nullptr}, {"error", nullptr}};
     out["signatures"] = Json::array();
     CPdf pdf;
     int code = cli::openDocument(pdf, file);
@@ -213,7 +214,7 @@ Json checkFile(const std::string& file, X509_STORE* anchors, std::size_t& size) 
 // --- for people -------------------------------------------------------------------------------------------------
 
 std::string text(const Json& value) {
-    return value.is_null() ? "-" : cli::printable(value.is_string() ? value.get<std::string>() : value.dump());
+    return value.is_null() ? "-" : CPdfText::Printable(value.is_string() ? value.get<std::string>() : value.dump());
 }
 
 void line(std::string label, const std::string& content) {

@@ -16,6 +16,7 @@
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/PdfSigInfo.h"
 #include "varnpdf/PdfSign.h"
+#include "varnpdf/PdfText.h"
 #include "varnpdf/PdfTrailer.h"
 #include "varnpdf/PdfXRef.h"
 #include "varnpdf/Sha.h"

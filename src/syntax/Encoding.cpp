@@ -206,6 +206,17 @@ std::string toUtf8(std::u32string_view characters) {
     return out;
 }
 
+std::u32string printable(std::u32string_view characters) {
+    std::u32string out;
+    for (const char32_t c : characters) {
+        const bool blank = c == '\t' || c == '\n' || c == '\r';
+        const bool control = c < 0x20 || (c >= 0x7F && c < 0xA0);
+        const bool direction = (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+        out.push_back(blank ? U' ' : control || direction ? kReplacement : c);
+    }
+    return out;
+}
+
 std::u32string fromTextString(std::string_view bytes) {
     if (bytes.starts_with(kUtf16BigEndian)) return fromUtf16(bytes.substr(kUtf16BigEndian.size()), true);
     if (bytes.starts_with(kUtf16LittleEndian)) return fromUtf16(bytes.substr(kUtf16LittleEndian.size()), false);

@@ -55,6 +55,9 @@ std::u32string fromBrokenUtf8(std::string_view bytes);
 /// The characters of UTF-8; bytes that are not UTF-8 are taken to be Latin-1.
 std::u32string fromUtf8OrLatin1(std::string_view bytes);
 std::string toUtf8(std::u32string_view characters);
+/// Without what moves a terminal's cursor or hides text: blanks for line ends and tabs, `kReplacement` for other control
+/// characters and direction overrides.
+std::u32string printable(std::u32string_view characters);
 
 /// The characters of a text string: UTF-16 or UTF-8 behind a byte order mark, else PDFDocEncoding. What is no character
 /// is replaced.

@@ -14,6 +14,7 @@ declare -A floor=(
     [writer]=4
     [inspection]=5
     [signing]=6 [longterm]=6 [forms]=6 [portfolio]=6
+    [api]=7
 )
 errors=0
 checked=0

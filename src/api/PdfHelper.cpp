@@ -1,6 +1,8 @@
 // CPdfHelper: the face of the readers and of the reference utilities for C strings.
 #include "varnpdf/PdfHelper.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -274,4 +276,9 @@ int CPdfHelper::RemoveFlag(char* s, const char* flag) {
 int CPdfHelper::FindPosition(char* buf, int len, std::string pattern) {
     const std::size_t at = std::string_view(buf, toSize(len)).find(pattern);
     return at == std::string_view::npos ? 0 : toInt(at);
+}
+
+int CPdfHelper::Deflate(unsigned char* in, unsigned int inLen, unsigned char* out, unsigned long* outLen) {
+    if (in == nullptr || out == nullptr || outLen == nullptr) return Z_STREAM_ERROR;
+    return uncompress(out, outLen, in, inLen);
 }

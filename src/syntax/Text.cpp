@@ -1,4 +1,4 @@
-// Trimming, replacing, hexadecimal, UTF-8 and literal-string escapes on views.
+// Trimming, replacing, hexadecimal and literal-string escapes on views.
 #include <algorithm>
 
 #include "syntax/Cursor.h"

@@ -4,6 +4,7 @@
 #include "syntax/Dates.h"
 #include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"
+#include "varnpdf/PdfObj.h"
 
 using namespace varnpdf;
 
@@ -93,4 +94,11 @@ int CPdfHelper::ReplaceDateISO8601(char* buf, int pos, int size, char* date, int
 
 int CPdfHelper::ReplaceDateISO8824(char* buf, int pos, int size, char* date, int* newLen) {
     return replaceIn(buf, pos, size, date, newLen, literalDateValue);
+}
+
+int CPdfHelper::ReplaceModDate(CPdfObj* obj, char* date) {
+    if (obj == nullptr || date == nullptr) return 1;
+    std::string text(obj->content());
+    if (replaceModDate(text, date)) obj->setContent(text);
+    return 1;
 }
