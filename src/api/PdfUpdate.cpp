@@ -1,6 +1,6 @@
 // CPdf: the output stream of an appended update.
 #include "api/PdfState.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 using namespace varnpdf;
 

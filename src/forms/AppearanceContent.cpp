@@ -10,7 +10,7 @@
 #include "syntax/Lexer.h"
 #include "syntax/Text.h"
 #include "syntax/Values.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {

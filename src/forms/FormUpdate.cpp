@@ -12,7 +12,7 @@
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Values.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {

@@ -1,16 +1,14 @@
 // One run of the security store: reading what is there, taking in the material.
 #include "longterm/SecurityStore.h"
 
-#include "api/PdfState.h"
-#include "inspection/Signatures.h"
-
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <map>
 
-#include "model/ObjectTable.h"
-#include "support/Limits.h"
-#include "support/ResultText.h"
+#include "inspection/Signatures.h"
+#include "reader/Open.h"
+#include "support/Loggers.h"
 #include "syntax/CharClass.h"
 #include "syntax/Values.h"
 #include "varnpdf/Sha.h"
@@ -46,15 +44,19 @@ std::string upper(std::string text) {
     return text;
 }
 
+// An unknown line end must still end the comment line of the entries.
+std::string_view lineEndOrCrLf(const Document& document) {
+    const std::string_view lineEnd = lineEndText(document.lineEnd);
+    return lineEnd.empty() ? "\r\n" : lineEnd;
+}
+
 }  // namespace
+
+SecurityStore::SecurityStore(Document& document, std::span<const pdf_dss_struct> records)
+    : document_(document), records_(records), lineEnd_(lineEndOrCrLf(document)), update_(document, lineEnd_) {}
 
 int SecurityStore::run() {
     if (const int code = openTrailer(); code != VARNPDF_OK) return code;
-    lineEnd_ = pdf_.the_line_end();
-    // An unknown line end must still end the comment line of the entries.
-    if (lineEnd_.empty()) lineEnd_ = "\r\n";
-    const std::string_view old = documentOf(pdf_).view();
-    if (!old.empty() && !isEol(old.back())) tail_ = lineEnd_;
     readSignatures();
     readStore();
     addMaterial();
@@ -65,21 +67,17 @@ int SecurityStore::run() {
 }
 
 int SecurityStore::openTrailer() {
-    logDebug(logger_, "Anzahl der PDF-Objekte : ", documentOf(pdf_).objects.size());
-    if (pdf_.PdfIsEncrypted() == 1) return VARNPDF_PDF_ENCRYPTED;
-    const CPdfTrailer* const trailer = pdf_.GetLastTrailer();
-    if (trailer == nullptr || pdf_.GetUpdateTrailer() == nullptr || trailer->root().empty()) {
-        return VARNPDF_TRAILER_INCOMPLETE;
-    }
-    catalogue_ = referencedObject(documentOf(pdf_), trailer->root());
+    logDebug(loggers::store, "Anzahl der PDF-Objekte : ", document_.objects.size());
+    if (document_.encrypted) return VARNPDF_PDF_ENCRYPTED;
+    const CPdfTrailer* const trailer = document_.newest.get();
+    if (trailer == nullptr || !document_.update || trailer->root().empty()) return VARNPDF_TRAILER_INCOMPLETE;
+    catalogue_ = referencedObject(document_, trailer->root());
     if (catalogue_ != nullptr) catalogueEntries_ = Dictionary(catalogue_->content());
     if (!catalogueEntries_) return VARNPDF_DSS_CATALOGUE_MISSING;
-    const int highest = pdf_.get_max_obj_num_from_map();
-    const auto room = static_cast<std::size_t>(std::numeric_limits<int>::max() - std::max(trailer->GetSize(), highest));
     // Three numbers for each record, and those of the entries, the store and the cross-reference stream.
-    if (room / 4 <= records_.size() + 1) return VARNPDF_TRAILER_INCOMPLETE;
-    next_ = std::max(trailer->GetSize(), highest + 1);
-    return VARNPDF_OK;
+    const std::size_t most = 3 * records_.size() + 3;
+    const bool fits = most < static_cast<std::size_t>(std::numeric_limits<int>::max());
+    return fits && update_.canReserve(static_cast<int>(most)) ? VARNPDF_OK : VARNPDF_TRAILER_INCOMPLETE;
 }
 
 SecurityStore::Resolved SecurityStore::resolve(std::string_view value) const {
@@ -88,17 +86,17 @@ SecurityStore::Resolved SecurityStore::resolve(std::string_view value) const {
     for (int i = 0; i < kLongestChain; ++i) {
         const auto number = referenceOf(found.text);
         if (!number) return found;
-        found.holder = documentOf(pdf_).objects.find(*number);
+        found.holder = document_.objects.find(*number);
         found.text = found.holder != nullptr ? bodyOf(found.holder->content()) : std::string_view{};
     }
     return {};
 }
 
 void SecurityStore::readSignatures() {
-    logDebug(logger_, "Gefundene Signaturen und deren DigestsHash:");
+    logDebug(loggers::store, "Gefundene Signaturen und deren DigestsHash:");
     std::map<std::string, std::size_t> places;
     std::map<const CPdfObj*, std::optional<std::size_t>> known;  // fields may share a dictionary
-    for (CPdfObj* const field : signatureFields(documentOf(pdf_))) {
+    for (CPdfObj* const field : signatureFields(document_)) {
         const Resolved dictionary = resolve(valueOf(field->content(), "/V"));
         const auto seen = known.find(dictionary.holder);
         std::optional<std::size_t> place;
@@ -108,9 +106,9 @@ void SecurityStore::readSignatures() {
             std::string key = keyOf(*contents);
             place = places.try_emplace(key, keyed_.size()).first->second;
             if (*place == keyed_.size()) keyed_.push_back({std::move(key), {}});
-            logDebug(logger_, signatures_.size(), ": ", keyed_[*place].key);
+            logDebug(loggers::store, signatures_.size(), ": ", keyed_[*place].key);
         } else {
-            logError(logger_, "Signatur Nr ", signatures_.size(), " hat keinen Wert");
+            logError(loggers::store, "Signatur Nr ", signatures_.size(), " hat keinen Wert");
         }
         if (dictionary.holder != nullptr) known[dictionary.holder] = place;
         signatures_.push_back(place);
@@ -122,24 +120,24 @@ void SecurityStore::readStore() {
     if (entry != nullptr) {
         const Resolved found = resolve(entry->value);
         if (Dictionary old(found.text); old) {
-            logDebug(logger_, "/DSS  gefunden");
+            logDebug(loggers::store, "/DSS  gefunden");
             storeObject_ = found.holder;
             oldStore_ = std::move(old);
             readOldEntries();
             return;
         }
-        logError(logger_, "/DSS ist kein Dictionary und wird ersetzt");
+        logError(loggers::store, "/DSS ist kein Dictionary und wird ersetzt");
     }
-    logDebug(logger_, "Muss neues DSS Objekt erzeugen");
+    logDebug(loggers::store, "Muss neues DSS Objekt erzeugen");
 }
 
 void SecurityStore::readOldEntries() {
     const Resolved found = resolve(oldStore_.find("/VRI"));
     Dictionary old(found.text);
-    logDebug(logger_, old ? "/VRI  gefunden" : "/VRI  nicht gefunden");
+    logDebug(loggers::store, old ? "/VRI  gefunden" : "/VRI  nicht gefunden");
     for (const auto& [key, what] : {std::pair{"/OCSPs", "- OCSPs-Array"}, std::pair{"/Certs", "- Certs-Array"},
                                     std::pair{"/CRLs", "- CRLs-Array"}}) {
-        if (oldStore_.entry(key) != nullptr) logDebug(logger_, what);
+        if (oldStore_.entry(key) != nullptr) logDebug(loggers::store, what);
     }
     if (!old) return;
     oldEntries_ = std::move(old);
@@ -160,7 +158,7 @@ void SecurityStore::readOldEntries() {
     }
     for (std::size_t i = 0; i < signatures_.size(); ++i) {
         if (signatures_[i] && keyed_[*signatures_[i]].same != nullptr) {
-            logDebug(logger_, "Lese Daten aus vorh. Signatur Nr ", i);
+            logDebug(loggers::store, "Lese Daten aus vorh. Signatur Nr ", i);
         }
     }
 }
@@ -173,7 +171,7 @@ void SecurityStore::addMaterial() {
         if (index >= 0 && static_cast<std::size_t>(index) < signatures_.size()) {
             bySignature[static_cast<std::size_t>(index)].push_back(&record);
         } else {
-            logError(logger_, "Keine Signatur Nr ", record.signature_number, ", Daten werden nicht eingetragen");
+            logError(loggers::store, "Keine Signatur Nr ", record.signature_number, ", Daten werden nicht eingetragen");
         }
     }
     for (std::size_t i = 0; i < signatures_.size(); ++i) {
@@ -185,8 +183,8 @@ void SecurityStore::addMaterial() {
             addStream(record->ocsp, kOcsp, numbers);
         }
     }
-    logDebug(logger_, "Hash-Liste durchlaufen und alle Arrays gefuellt.");
-    logDebug(logger_, "Alle Cert/CRL/OCSP-Objekte erzeugt.");
+    logDebug(loggers::store, "Hash-Liste durchlaufen und alle Arrays gefuellt.");
+    logDebug(loggers::store, "Alle Cert/CRL/OCSP-Objekte erzeugt.");
 }
 
 void SecurityStore::addStream(std::string_view base64, Kind kind, Numbers& numbers) {
@@ -197,14 +195,14 @@ void SecurityStore::addStream(std::string_view base64, Kind kind, Numbers& numbe
     std::copy_if(base64.begin(), base64.end(), std::back_inserter(joined), [](char c) { return !isCSpace(c); });
     const std::vector<unsigned char> bytes = base64_decode(joined);
     if (bytes.empty()) {
-        logError(logger_, "Base64-Daten sind leer und werden nicht eingetragen");
+        logError(loggers::store, "Base64-Daten sind leer und werden nicht eingetragen");
         return;
     }
-    const int number = next_++;
+    const int number = update_.reserve();
     const std::string_view data(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     std::string object = lines(text(number, " 0 obj@@NL@@<< @@NL@@   /Length ", data.size(), "@@NL@@>>@@NL@@"));
     append(object, "stream\n", data, "\n", "endstream\n", "endobj\n\n");
-    write(number, 0, object);
+    update_.write(number, 0, object);
     numbers[kind].push_back(number);
     all_[kind].push_back(number);
 }

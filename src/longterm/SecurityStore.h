@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,21 +11,20 @@
 
 #include "support/Log.h"
 #include "syntax/Dictionary.h"
-#include "varnpdf/Pdf.h"
 #include "varnpdf/PdfDSS.h"
+#include "writer/Update.h"
 
 namespace varnpdf {
 
 /// Works on the texts of an opened document and puts the update together beside it.
 class SecurityStore {
 public:
-    SecurityStore(CPdf& pdf, std::span<const pdf_dss_struct> records, const c_pdf_dss& face, const ClassLogger& logger)
-        : pdf_(pdf), records_(records), face_(face), logger_(logger) {}
+    SecurityStore(Document& document, std::span<const pdf_dss_struct> records);
 
     /// 0, or the code of the first step that failed.
     int run();
     /// The appended part, complete.
-    [[nodiscard]] std::string_view tail() const noexcept { return tail_; }
+    [[nodiscard]] std::vector<std::string_view> pieces() const { return update_.pieces(); }
 
 private:
     // In the order in which a record names them.
@@ -59,21 +57,18 @@ private:
     void writeStore();
     void updateCatalogue();
     int closeSection();
-    int closeWithStream(CPdfXRefContainer& xrefs, std::size_t section);
+    void logStream();
 
     [[nodiscard]] Resolved resolve(std::string_view value) const;
     [[nodiscard]] std::string extended(std::string_view value, const std::vector<int>& added) const;
     [[nodiscard]] std::string lines(std::string_view text) const;
-    void write(int number, int generation, std::string_view text);
 
-    CPdf& pdf_;
+    Document& document_;
     std::span<const pdf_dss_struct> records_;
-    const c_pdf_dss& face_;
-    const ClassLogger& logger_;
-    std::string lineEnd_;
+    std::string_view lineEnd_;
+    Update update_;
     CPdfObj* catalogue_ = nullptr;
     Dictionary catalogueEntries_;
-    int next_ = 0;                                        // the number of the next new object
     std::vector<std::optional<std::size_t>> signatures_;  // by index of the signature: its place in keyed_
     std::vector<Signature> keyed_;                        // equal values share a key
     Numbers all_;
@@ -83,8 +78,6 @@ private:
     Dictionary oldEntries_;
     int storeNumber_ = 0;
     int entriesNumber_ = 0;
-    std::map<int, std::pair<int, std::size_t>> written_;  // generation and offset by object number
-    std::string tail_;
 };
 
 }  // namespace varnpdf

@@ -1,17 +1,14 @@
 // One run of the security store: the objects of the appended update and its cross-reference section.
 #include <algorithm>
 
-#include "api/PdfState.h"
 #include "longterm/SecurityStore.h"
-#include "model/DictionaryEntry.h"
-#include "reader/SectionText.h"
+#include "longterm/StoreTexts.h"
 #include "support/Limits.h"
 #include "support/ResultText.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Text.h"
 #include "syntax/Values.h"
 #include "varnpdf/result.h"
-#include "writer/Update.h"
 
 namespace varnpdf {
 namespace {
@@ -37,12 +34,7 @@ std::string written(std::string_view value) { return value.empty() ? "null" : st
 
 std::string SecurityStore::lines(std::string_view text) const {
     constexpr int kMostLines = 100;
-    return face_.str_replace(std::string(text), "@@NL@@", lineEnd_, kMostLines);
-}
-
-void SecurityStore::write(int number, int generation, std::string_view text) {
-    written_[number] = {generation, documentOf(pdf_).view().size() + tail_.size()};
-    append(tail_, objectText(number, generation, text));
+    return replaced(text, "@@NL@@", lineEnd_, kMostLines);
 }
 
 /// The array behind a value with further references. Elements stay as they are written; what is no array, but an
@@ -51,7 +43,7 @@ std::string SecurityStore::extended(std::string_view value, const std::vector<in
     const Resolved found = resolve(value);
     const auto items = itemsOf(found.text);
     if (added.empty() && (items || referenceOf(value))) return std::string(value);
-    if (!items && (found.holder == nullptr || !found.text.starts_with("<<"))) return face_.append_to_array(added);
+    if (!items && (found.holder == nullptr || !found.text.starts_with("<<"))) return referenceArray(added);
     std::string out = "[";
     for (const std::string_view item : items.value_or(std::vector<std::string_view>{value})) {
         if (item != "null") append(out, out.size() > 1 ? " " : "", item);
@@ -61,8 +53,8 @@ std::string SecurityStore::extended(std::string_view value, const std::vector<in
 }
 
 std::string SecurityStore::newEntry(const Numbers& numbers) const {
-    return text("<< /OCSP ", face_.append_to_array(numbers[kOcsp]), " /CRL ", face_.append_to_array(numbers[kCrl]),
-                " /Cert ", face_.append_to_array(numbers[kCertificate]), ">>");
+    return text("<< /OCSP ", referenceArray(numbers[kOcsp]), " /CRL ", referenceArray(numbers[kCrl]),
+                " /Cert ", referenceArray(numbers[kCertificate]), ">>");
 }
 
 /// Every key of the old entry in its order, the arrays extended; /TU, /TS and /Type stay.
@@ -84,7 +76,7 @@ std::string SecurityStore::mergedEntry(const Dictionary& old, const Numbers& add
     }
     for (const Array& array : arrays) {
         const std::vector<int>& numbers = added[array.kind];
-        if (array.old == nullptr && !numbers.empty()) append(out, ' ', array.key, ' ', face_.append_to_array(numbers));
+        if (array.old == nullptr && !numbers.empty()) append(out, ' ', array.key, ' ', referenceArray(numbers));
     }
     return out + ">>";
 }
@@ -123,28 +115,28 @@ std::string SecurityStore::entriesText() const {
 }
 
 void SecurityStore::writeEntries() {
-    logDebug(logger_, "VRI-Objekt erzeugen");
-    entriesNumber_ = entriesObject_ != nullptr ? entriesObject_->GetObjNum() : next_++;
+    logDebug(loggers::store, "VRI-Objekt erzeugen");
+    entriesNumber_ = entriesObject_ != nullptr ? entriesObject_->GetObjNum() : update_.reserve();
     const bool carriesOver = !oldEntries_.entries().empty();
     std::string object = lines(text(entriesNumber_, " 0 obj@@NL@@<< @@NL@@",
                                     carriesOver ? "% vorhandene Daten (Problem)" : "% Eintrag neuer DSS ", "@@NL@@"));
     append(object, entriesText(), lines("@@NL@@>>@@NL@@endobj@@NL@@@@NL@@"));
-    logDebug(logger_, "VRI-Objekt im xref erzeugen");
-    write(entriesNumber_, 0, object);
+    logDebug(loggers::store, "VRI-Objekt im xref erzeugen");
+    update_.write(entriesNumber_, 0, object);
 }
 
 void SecurityStore::writeStore() {
-    logDebug(logger_, "DSS-Objekt mit Content erzeugen");
+    logDebug(loggers::store, "DSS-Objekt mit Content erzeugen");
     constexpr std::pair<const char*, Kind> kArrays[] = {{"/OCSPs", kOcsp}, {"/CRLs", kCrl}, {"/Certs", kCertificate}};
-    storeNumber_ = storeObject_ != nullptr ? storeObject_->GetObjNum() : next_++;
+    storeNumber_ = storeObject_ != nullptr ? storeObject_->GetObjNum() : update_.reserve();
     const int generation = storeObject_ != nullptr ? std::max(storeObject_->GetGenNumber(), 0) : 0;
-    if (!oldStore_.entries().empty()) logDebug(logger_, "das DSS Dict muss erweitert werden");
+    if (!oldStore_.entries().empty()) logDebug(loggers::store, "das DSS Dict muss erweitert werden");
     std::string object = lines(text(storeNumber_, ' ', generation, " obj@@NL@@<< @@NL@@"));
     append(object, "   /VRI ", entriesNumber_, " 0 R", lineEnd_);
     for (const auto& [key, kind] : kArrays) {
         const Dictionary::Entry* const old = oldStore_.entry(key);
         if (old != nullptr && !all_[kind].empty()) {
-            logDebug(logger_, "Array im DSS-Objekt erweitern um neue Referenzen");
+            logDebug(loggers::store, "Array im DSS-Objekt erweitern um neue Referenzen");
         }
         append(object, "   ", key, ' ', extended(old != nullptr ? old->value : "", all_[kind]), lineEnd_);
     }
@@ -154,8 +146,8 @@ void SecurityStore::writeStore() {
         append(object, "   ", pair.key, ' ', written(pair.value), lineEnd_);
     }
     append(object, lines(">>@@NL@@endobj@@NL@@@@NL@@"));
-    logDebug(logger_, "DSS-Objekt im xref erzeugen");
-    write(storeNumber_, generation, object);
+    logDebug(loggers::store, "DSS-Objekt im xref erzeugen");
+    update_.write(storeNumber_, generation, object);
 }
 
 void SecurityStore::updateCatalogue() {
@@ -170,67 +162,41 @@ void SecurityStore::updateCatalogue() {
         const char* const behind = end < whole.size() && isRegular(whole[end]) ? " " : "";
         changed.replace(begin, old->value.size(), text(before, reference, behind));
     } else {
-        logDebug(logger_, "Root-Objekt um /DSS Tag erweitern da vorher noch kein DSS vorhanden");
+        logDebug(loggers::store, "Root-Objekt um /DSS Tag erweitern da vorher noch kein DSS vorhanden");
         changed.insert(catalogueEntries_.close(), text("/DSS ", reference, lineEnd_));
     }
-    logDebug(logger_, "Root-Objekt NEU schreiben in xref");
-    write(catalogue_->GetObjNum(), std::max(catalogue_->GetGenNumber(), 0), changed);
+    logDebug(loggers::store, "Root-Objekt NEU schreiben in xref");
+    update_.write(catalogue_->GetObjNum(), std::max(catalogue_->GetGenNumber(), 0), changed);
 }
 
 int SecurityStore::closeSection() {
-    logDebug(logger_, "Beginne neues XREF zu erstellen");
-    const std::size_t section = documentOf(pdf_).view().size() + tail_.size();
-    if (section > limits::kDocumentBytes) {
-        logError(logger_, logtext::PDF_MAXSIZE);
-        return VARNPDF_PDF_MAXSIZE;
+    logDebug(loggers::store, "Beginne neues XREF zu erstellen");
+    const bool isStream = update_.closesWithStream(Update::Section::LikeDocument);
+    if (isStream) {
+        logStream();
+    } else {
+        logDebug(loggers::store, "Normalen Trailer schreiben");
     }
-    const bool isStream = pdf_.GetLastTrailer()->GetIsCrossRefStream();
-    if (isStream) written_[next_] = {0, section};
-    CPdfXRefContainer xrefs;
-    for (auto first = written_.begin(); first != written_.end();) {
-        auto last = first;
-        int count = 0;
-        while (last != written_.end() && last->first == first->first + count) ++last, ++count;
-        CPdfXRef run(first->first, count);
-        for (int i = 0; first != last; ++i, ++first) {
-            run.GetRefEntry()[i].SetPos(static_cast<int>(first->second.second));
-            run.GetRefEntry()[i].SetGenNumber(first->second.first);
-        }
-        run.SetIsFree(0);
-        xrefs.AddXRef(&run);
-    }
-    if (isStream) return closeWithStream(xrefs, section);
-    logDebug(logger_, "Normalen Trailer schreiben");
-    CPdfTrailer& trailer = *pdf_.GetUpdateTrailer();
-    trailer.SetSize(std::max(trailer.GetSize(), next_));
-    trailer.UpdateId(true);
-    append(tail_, crossReferenceTable(xrefs), trailerText(trailer, section));
-    return VARNPDF_OK;
+    const StreamLayout layout{kSectionHead, "[(000)(000)]", lineEnd_};
+    const int code = update_.close({.layout = layout});
+    if (isStream && code == VARNPDF_OK) logDebug(loggers::store, "Stream gepackt");
+    return code;
 }
 
-int SecurityStore::closeWithStream(CPdfXRefContainer& xrefs, std::size_t section) {
-    logDebug(logger_, "xrefStream!");
-    logDebug(logger_, "2019er: /W einlesen aus altem Trailer !!!");
-    CPdfTrailer& trailer = *pdf_.GetUpdateTrailer();
-    const StreamFields fields = fieldsFor(xrefs, entryValue(keyText(*pdf_.GetLastTrailer()), "/W"));
-    logDebug(logger_, "W1:", fields.type);
-    logDebug(logger_, "W2:", fields.second);
-    logDebug(logger_, "W3:", fields.third);
-    if (fields.type != 1) logDebug(logger_, "xrefStream-TODO !! w1 != 1 Byte !!!!!!!!!!!!!");
-    logDebug(logger_, "INDEX: ", indexText(xrefs));
-    for (const auto& [number, place] : written_) logDebug(logger_, "ObjNr ", number, " (Offset: ", place.second, ")");
-    trailer.SetSize(std::max(trailer.GetSize(), next_ + 1));
-    trailer.UpdateId(true);
-    if (trailer.id().empty()) logDebug(logger_, "ID des Dokuments ist leer, setze [] ein.");
-    const StreamLayout layout{kSectionHead, "[(000)(000)]", lineEnd_};
-    const auto stream = crossReferenceStream(xrefs, trailer, next_, fields, section, layout);
-    if (!stream) {
-        logError(logger_, logtext::COMPRESSING_FAILED);
-        return VARNPDF_COMPRESSING_FAILED;
-    }
-    logDebug(logger_, "Stream gepackt");
-    append(tail_, *stream);
-    return VARNPDF_OK;
+void SecurityStore::logStream() {
+    logDebug(loggers::store, "xrefStream!");
+    logDebug(loggers::store, "2019er: /W einlesen aus altem Trailer !!!");
+    if (!debugWanted(loggers::store)) return;
+    const StreamFields fields = update_.streamFields();
+    logDebug(loggers::store, "W1:", fields.type);
+    logDebug(loggers::store, "W2:", fields.second);
+    logDebug(loggers::store, "W3:", fields.third);
+    if (fields.type != 1) logDebug(loggers::store, "xrefStream-TODO !! w1 != 1 Byte !!!!!!!!!!!!!");
+    logDebug(loggers::store, "INDEX: ", update_.index());
+    update_.forEachWritten([](int number, std::size_t offset) {
+        logDebug(loggers::store, "ObjNr ", number, " (Offset: ", offset, ")");
+    });
+    if (document_.update->id().empty()) logDebug(loggers::store, "ID des Dokuments ist leer, setze [] ein.");
 }
 
 }  // namespace varnpdf

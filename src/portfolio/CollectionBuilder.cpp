@@ -14,7 +14,7 @@
 #include "syntax/Dictionary.h"
 #include "syntax/Values.h"
 #include "varnpdf/result.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {

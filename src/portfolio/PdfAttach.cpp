@@ -19,7 +19,7 @@
 #include "syntax/Values.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/result.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 using namespace varnpdf;
 

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "support/Text.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {

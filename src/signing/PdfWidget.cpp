@@ -15,7 +15,7 @@
 #include "varnpdf/PdfSign.h"
 #include "varnpdf/TokHelp.h"
 #include "varnpdf/result.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 using namespace varnpdf;
 

@@ -17,7 +17,7 @@
 #include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/result.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {

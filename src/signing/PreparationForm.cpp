@@ -7,7 +7,7 @@
 #include "syntax/Reference.h"
 #include "varnpdf/result.h"
 #include "writer/RefArray.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {

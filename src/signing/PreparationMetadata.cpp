@@ -7,7 +7,7 @@
 #include "syntax/Dates.h"
 #include "syntax/Reference.h"
 #include "varnpdf/result.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {

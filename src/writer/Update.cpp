@@ -1,217 +1,150 @@
-// The text of an appended update.
+// The appended update of a document.
 #include "writer/Update.h"
-
-#define ZLIB_CONST  // zlib reads its input through a pointer to const
-#include <zlib.h>
 
 #include <algorithm>
 #include <limits>
-#include <span>
 
-#include "support/Text.h"
-#include "syntax/Cursor.h"
+#include "model/DictionaryEntry.h"
+#include "reader/SectionText.h"
+#include "support/Loggers.h"
+#include "support/ResultText.h"
+#include "syntax/CharClass.h"
+#include "varnpdf/result.h"
 
 namespace varnpdf {
 namespace {
 
-int bytesFor(unsigned value) {
-    int bytes = 0;
-    for (; value > 0; value >>= 8U) ++bytes;
-    return bytes;
-}
+constexpr int kMostNumber = std::numeric_limits<int>::max() - 1;
 
-void appendField(std::string& out, unsigned value, int width) {
-    for (int shift = (width - 1) * 8; shift >= 0; shift -= 8) {
-        out.push_back(static_cast<char>(shift >= 32 ? 0 : (value >> static_cast<unsigned>(shift)) & 0xffU));
-    }
-}
+// Offsets beyond this would not fit; the document with its update is refused long before.
+int entryOffset(std::size_t offset) { return static_cast<int>(std::min<std::size_t>(offset, kMostNumber)); }
 
-// The state of a deflation takes 268 kB. Each thread keeps its own for the next stream: giving it back to the system and
-// fetching it again would cost more than the few hundred bytes that a signature compresses.
-class Deflater {
-public:
-    Deflater() : usable_(deflateInit(&stream_, Z_DEFAULT_COMPRESSION) == Z_OK) {}
-    Deflater(const Deflater&) = delete;
-    Deflater& operator=(const Deflater&) = delete;
-    ~Deflater() {
-        if (usable_) deflateEnd(&stream_);
-    }
-
-    // False when zlib cannot do it. `out` has room for whatever comes.
-    bool run(std::string_view bytes, std::string& out) {
-        constexpr std::size_t kMost = std::numeric_limits<uInt>::max();
-        if (!usable_ || out.size() > kMost || deflateReset(&stream_) != Z_OK) return false;
-        stream_.next_in = reinterpret_cast<const Bytef*>(bytes.data());
-        stream_.avail_in = static_cast<uInt>(bytes.size());
-        stream_.next_out = reinterpret_cast<Bytef*>(out.data());
-        stream_.avail_out = static_cast<uInt>(out.size());
-        if (deflate(&stream_, Z_FINISH) != Z_STREAM_END) return false;
-        out.resize(stream_.total_out);
-        return true;
-    }
-
-private:
-    z_stream stream_{};
-    bool usable_;
-};
-
-template <typename Visit>
-void forEachEntry(const CPdfXRefContainer& xrefs, Visit&& visit) {
-    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
-        const CPdfXRef& run = xrefs.GetXRef()[i];
-        for (int k = 0; k < run.GetRefNum(); ++k) visit(run.GetRefEntry()[k]);
-    }
-}
-
-struct TokenValue {
-    std::string_view name;
-    std::string value;
-};
-
-/// The lines of a template with their tokens replaced; one whose value is empty is left out.
-std::string filled(std::string_view lines, std::span<const TokenValue> values, std::string_view lineEnd) {
-    constexpr std::string_view kLineEnd = "@@NL@@";
-    constexpr std::string_view kMark = "@@";
-    std::string out;
-    while (!lines.empty()) {
-        const std::size_t length = std::min(lines.find(kLineEnd), lines.size());
-        const std::string_view line = lines.substr(0, length);
-        lines.remove_prefix(std::min(length + kLineEnd.size(), lines.size()));
-        const std::size_t open = line.find(kMark);
-        const std::size_t close = open == std::string_view::npos ? open : line.find(kMark, open + kMark.size());
-        if (close == std::string_view::npos) {
-            append(out, line, lineEnd);
-            continue;
-        }
-        const std::string_view name = line.substr(open + kMark.size(), close - open - kMark.size());
-        const auto value = std::find_if(values.begin(), values.end(), [&](const auto& it) { return it.name == name; });
-        if (value == values.end() || value->value.empty()) continue;
-        append(out, line.substr(0, open), value->value, line.substr(close + kMark.size()), lineEnd);
-    }
-    return out;
+int firstNumber(const Document& document) {
+    const int size = document.newest ? document.newest->GetSize() : 0;
+    const int highest = document.objects.maxObjectNumber();
+    return std::max(size, std::min(highest, kMostNumber) + 1);
 }
 
 }  // namespace
 
-void addObjectEntry(CPdfXRefContainer& xrefs, int number, int generation, std::size_t offset) {
-    CPdfXRefEntry entry;
-    entry.SetPos(static_cast<int>(offset));
-    entry.SetGenNumber(generation);
-    CPdfXRef run;
-    run.AddEntry(entry);
-    run.SetRefStart(number);
-    run.SetIsFree(0);
-    xrefs.AddXRef(&run);
+Update::Update(Document& document, std::string_view lineEnd, FirstLine firstLine)
+    : document_(document), next_(firstNumber(document)), tail_{document.length, {}} {
+    const std::string_view old = document.view();
+    if (firstLine == FirstLine::Always || (!old.empty() && !isEol(old.back()))) tail_.text = lineEnd;
 }
 
-std::string crossReferenceTable(const CPdfXRefContainer& xrefs) {
-    std::string out;
-    append(out, "xref\r\n");
-    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
-        const CPdfXRef& run = xrefs.GetXRef()[i];
-        append(out, run.GetRefStart(), ' ', run.GetRefNum(), " \r\n");
-        for (int k = 0; k < run.GetRefNum(); ++k) {
-            const CPdfXRefEntry& entry = run.GetRefEntry()[k];
-            append(out, Digits{entry.GetOffset(), 10}, ' ', Digits{entry.GetGenNumber(), 5}, ' ',
-                   entry.GetIsFree() == 1 ? 'f' : 'n', "\r\n");
+bool Update::canReserve(int count) const noexcept { return count <= kMostNumber - next_; }
+
+int Update::reserve(int count) noexcept {
+    const int first = next_;
+    next_ += count;
+    return first;
+}
+
+std::string& Update::change(const CPdfObj& object) {
+    const auto [it, isNew] = changed_.try_emplace(object.GetObjNum());
+    if (isNew) it->second = object.content();
+    return it->second;
+}
+
+std::string_view Update::current(const CPdfObj& object) const {
+    const auto known = changed_.find(object.GetObjNum());
+    return known == changed_.end() ? object.content() : std::string_view(known->second);
+}
+
+void Update::writeWaiting() {
+    for (const auto& [number, text] : changed_) {
+        const CPdfObj* const object = document_.objects.find(number);
+        write(number, object == nullptr ? 0 : std::max(object->GetGenNumber(), 0), text);
+    }
+    for (const auto& [number, text] : put_) write(number, 0, text);
+    changed_.clear();
+    put_.clear();
+}
+
+void Update::write(int number, int generation, std::string_view text) {
+    begin(number, generation);
+    tail_.text += objectText(number, generation, text);
+}
+
+void Update::begin(int number, int generation, bool joins) { written_[number] = {generation, position(), joins}; }
+
+void Update::appendForeign(std::string_view bytes) {
+    const std::size_t position = tail_.position() + bytes.size();
+    finished_.push_back({std::move(tail_.text), bytes});
+    tail_ = {position, {}};
+}
+
+bool Update::closesWithStream(Section section) const {
+    return section == Section::LikeDocument && document_.newest && document_.newest->GetIsCrossRefStream();
+}
+
+void Update::listSections(CPdfXRefContainer& xrefs, bool joinRuns) const {
+    for (auto first = written_.begin(); first != written_.end();) {
+        auto last = first;
+        int count = 0;
+        do {
+            ++last;
+            ++count;
+        } while (last != written_.end() && last->first == first->first + count && (joinRuns || last->second.joins));
+        CPdfXRef run(first->first, count);
+        run.SetIsFree(0);
+        for (int i = 0; first != last; ++i, ++first) {
+            run.GetRefEntry()[i].SetPos(entryOffset(first->second.offset));
+            run.GetRefEntry()[i].SetGenNumber(first->second.generation);
         }
+        xrefs.AddXRef(&run);
     }
-    return out;
 }
 
-std::string trailerText(const CPdfTrailer& trailer, std::size_t section) {
-    std::string out;
-    append(out, "trailer\r\n", "<<\r\n");
-    append(out, "/Size ", trailer.GetSize(), "\r\n");
-    if (!trailer.encrypt().empty()) append(out, "/Encrypt ", trailer.encrypt(), "\r\n");
-    if (!trailer.id().empty()) append(out, "/ID ", trailer.id(), "\r\n");
-    if (!trailer.info().empty()) append(out, "/Info ", trailer.info(), "\r\n");
-    append(out, "/Root ", trailer.root(), "\r\n");
-    append(out, "/Prev ", trailer.GetPrev(), "\r\n");
-    append(out, ">>\r\n", "startxref\r\n", section, "\r\n", "%%EOF\r\n");
-    return out;
+StreamFields Update::streamFields() {
+    if (!written_.contains(next_)) begin(next_, 0);
+    CPdfXRefContainer xrefs;
+    listSections(xrefs, true);
+    return fieldsFor(xrefs, lookUpValue(keyText(*document_.newest), "/W"));
 }
 
-StreamFields fieldsFor(const CPdfXRefContainer& xrefs, std::string_view oldWidths) {
-    StreamFields fields{1, 1, 1};
-    Cursor cursor(oldWidths);
-    cursor.take('[');
-    constexpr int kWidest = 8;
-    for (int* const width : {&fields.type, &fields.second, &fields.third}) {
-        if (const auto number = cursor.takeInt()) *width = std::clamp(*number, 0, kWidest);
+std::string Update::index() const {
+    CPdfXRefContainer xrefs;
+    listSections(xrefs, true);
+    return indexText(xrefs);
+}
+
+int Update::close(const Closing& closing) {
+    const std::size_t section = position();
+    if (section > closing.longest) {
+        logError(loggers::pdf, logtext::PDF_MAXSIZE);
+        return VARNPDF_PDF_MAXSIZE;
     }
-    fields.type = std::max(fields.type, 1);
-    forEachEntry(xrefs, [&](const CPdfXRefEntry& entry) {
-        fields.second = std::max(fields.second, bytesFor(static_cast<unsigned>(entry.GetOffset())));
-        fields.third = std::max(fields.third, bytesFor(static_cast<unsigned>(entry.GetGenNumber())));
-    });
-    return fields;
-}
-
-std::string indexText(const CPdfXRefContainer& xrefs) {
-    std::string out = "[";
-    for (int i = 0; i < xrefs.GetXRefNum(); ++i) {
-        const CPdfXRef& run = xrefs.GetXRef()[i];
-        append(out, i == 0 ? "" : " ", run.GetRefStart(), ' ', run.GetRefNum());
+    const bool isStream = closesWithStream(closing.section);
+    const StreamFields fields = isStream ? streamFields() : StreamFields{};
+    CPdfXRefContainer xrefs;
+    listSections(xrefs, closing.joinRuns);
+    CPdfTrailer& trailer = *document_.update;
+    const int highest = written_.empty() ? 0 : written_.rbegin()->first;
+    trailer.SetSize(std::max(trailer.GetSize(), highest + 1));
+    trailer.SetXRef(entryOffset(section));
+    trailer.UpdateId(true);
+    if (!isStream) {
+        append(tail_.text, crossReferenceTable(xrefs), trailerText(trailer, section));
+        return VARNPDF_OK;
     }
-    return out + ']';
-}
-
-std::optional<std::string> crossReferenceStream(const CPdfXRefContainer& xrefs, const CPdfTrailer& trailer, int number,
-                                                const StreamFields& fields, std::size_t section,
-                                                const StreamLayout& layout) {
-    std::string rows;
-    forEachEntry(xrefs, [&](const CPdfXRefEntry& entry) {
-        appendField(rows, entry.GetIsFree() == 1 ? 0 : 1, fields.type);
-        appendField(rows, static_cast<unsigned>(entry.GetOffset()), fields.second);
-        appendField(rows, static_cast<unsigned>(entry.GetGenNumber()), fields.third);
-    });
-    const auto data = deflated(rows);
-    if (!data) return std::nullopt;
-    const TokenValue values[] = {
-        {"NR", text(number)},
-        {"SIZE", text(trailer.GetSize())},
-        {"INFO", std::string(trailer.info())},
-        {"ROOT", std::string(trailer.root())},
-        {"ID", std::string(trailer.id().empty() ? layout.emptyId : trailer.id())},
-        {"INDEX", indexText(xrefs)},
-        {"W", text("[", fields.type, ' ', fields.second, ' ', fields.third, "]")},
-        {"LENGTH", text(data->size())},
-        {"PREV", text(trailer.GetPrev())},
-    };
-    const std::string_view end = layout.lineEnd;
-    std::string out = filled(layout.head, values, end);
-    // A lone CR behind "stream" would leave open whether a line feed in the data belongs to it (ISO 32000-2 7.3.8.1).
-    append(out, "stream", end.ends_with('\n') ? end : "\r\n", *data);
-    append(out, end, "endstream", end, "endobj", end);
-    append(out, "startxref", end, section, end, "%%EOF", end);
-    return out;
-}
-
-std::optional<std::string> deflated(std::string_view bytes) {
-    thread_local Deflater deflater;
-    std::string out(compressBound(static_cast<uLong>(bytes.size())), '\0');
-    if (!deflater.run(bytes, out)) return std::nullopt;
-    return out;
-}
-
-std::string objectText(int number, int generation, std::string_view content) {
-    Cursor header(content);
-    header.skip(kIsCSpace);
-    content = header.rest();
-    header = Cursor(content);
-    const auto oldNumber = header.takeInt();
-    const auto oldGeneration = header.takeInt();
-    header.skip(kIsCSpace);
-    const bool hasHeader = oldNumber && oldGeneration && header.rest().starts_with("obj");
-    std::string out;
-    out.reserve(content.size() + 32);
-    if (!hasHeader || (oldNumber == number && oldGeneration == generation)) {
-        append(out, content);
-    } else {
-        append(out, number, ' ', generation, ' ', header.rest());
+    const auto stream = crossReferenceStream(xrefs, trailer, next_, fields, section, closing.layout);
+    if (!stream) {
+        logError(loggers::pdf, logtext::COMPRESSING_FAILED);
+        return VARNPDF_COMPRESSING_FAILED;
     }
-    if (out.empty() || !isEol(out.back())) append(out, "\r\n");
+    append(tail_.text, *stream);
+    return VARNPDF_OK;
+}
+
+std::vector<std::string_view> Update::pieces() const {
+    std::vector<std::string_view> out;
+    for (const Finished& piece : finished_) {
+        out.push_back(piece.text);
+        out.push_back(piece.foreign);
+    }
+    out.push_back(tail_.text);
     return out;
 }
 

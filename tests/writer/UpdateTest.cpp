@@ -5,7 +5,7 @@
 #include "tests/support/OpenedPdf.h"
 #include "tests/support/PdfBuilder.h"
 #include "varnpdf/Pdf.h"
-#include "writer/Update.h"
+#include "writer/SectionTexts.h"
 
 namespace {
 
