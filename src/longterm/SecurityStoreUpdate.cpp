@@ -4,6 +4,7 @@
 #include "longterm/SecurityStore.h"
 #include "longterm/StoreTexts.h"
 #include "support/Limits.h"
+#include "support/Loggers.h"
 #include "support/ResultText.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Text.h"
@@ -53,8 +54,8 @@ std::string SecurityStore::extended(std::string_view value, const std::vector<in
 }
 
 std::string SecurityStore::newEntry(const Numbers& numbers) const {
-    return text("<< /OCSP ", referenceArray(numbers[kOcsp]), " /CRL ", referenceArray(numbers[kCrl]),
-                " /Cert ", referenceArray(numbers[kCertificate]), ">>");
+    return text("<< /OCSP ", referenceArray(numbers[kOcsp]), " /CRL ", referenceArray(numbers[kCrl]), " /Cert ",
+                referenceArray(numbers[kCertificate]), ">>");
 }
 
 /// Every key of the old entry in its order, the arrays extended; /TU, /TS and /Type stay.
@@ -193,9 +194,8 @@ void SecurityStore::logStream() {
     logDebug(loggers::store, "W3:", fields.third);
     if (fields.type != 1) logDebug(loggers::store, "xrefStream-TODO !! w1 != 1 Byte !!!!!!!!!!!!!");
     logDebug(loggers::store, "INDEX: ", update_.index());
-    update_.forEachWritten([](int number, std::size_t offset) {
-        logDebug(loggers::store, "ObjNr ", number, " (Offset: ", offset, ")");
-    });
+    update_.forEachWritten(
+        [](int number, std::size_t offset) { logDebug(loggers::store, "ObjNr ", number, " (Offset: ", offset, ")"); });
     if (document_.update->id().empty()) logDebug(loggers::store, "ID des Dokuments ist leer, setze [] ein.");
 }
 

@@ -75,7 +75,7 @@ public:
     };
     struct Closing {
         Section section = Section::LikeDocument;
-        bool joinRuns = true;  ///< neighbouring numbers share a subsection
+        bool joinRuns = true;                          ///< neighbouring numbers share a subsection
         std::size_t longest = limits::kDocumentBytes;  ///< of the file in front of the section
         StreamLayout layout = {};
     };
