@@ -63,6 +63,22 @@ inline constexpr std::size_t kAppearancesBytes = std::size_t{256} << 20U;
 /// What is gone through to list the embedded files: many names may lead to one large object.
 inline constexpr std::size_t kAttachmentBytesBase = std::size_t{16} << 20U;
 inline constexpr std::size_t kAttachmentBytesPerByte = 16;
+/// What the text of pages is read through: content, forms each time they are shown, fonts. A fixed part and one that
+/// grows with the file. Then the most for one stream of content, for forms that are kept, and for one stream of a font.
+inline constexpr std::size_t kContentBytesBase = std::size_t{256} << 20U;
+inline constexpr std::size_t kContentBytesPerByte = 20;
+inline constexpr std::size_t kContentBytes = std::size_t{256} << 20U;
+inline constexpr std::size_t kKeptContentBytes = std::size_t{64} << 20U;
+inline constexpr std::size_t kFontBytes = std::size_t{16} << 20U;
+/// Glyphs of one page, forms within forms, saved graphics states, operands of one operator, code spaces of a font.
+inline constexpr std::size_t kPageGlyphs = 1'000'000;
+inline constexpr std::size_t kFormDepth = 24;
+inline constexpr std::size_t kGraphicsStates = 1'000;
+inline constexpr std::size_t kOperands = 64;
+inline constexpr std::size_t kCodeSpaces = 100;
+/// Longest text that is sought, and hits that are reported.
+inline constexpr std::size_t kSoughtCharacters = 1'000;
+inline constexpr std::size_t kTextHits = 100'000;
 /// Stream data copied from a document; objects whose streams overlap could multiply it.
 inline constexpr std::size_t kCopiedBytesPerByte = 4;
 
