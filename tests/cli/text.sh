@@ -5,28 +5,13 @@
 
 # Raw string in the file, what JSON shows. Byte 1 becomes NUL.
 table=(
-    '(plain)' 'plain'
-    '()' ''
-    '(a (b) c)' 'a (b) c'
-    '(a \(b\) c)' 'a (b) c'
-    '(a\\b \q)' 'a\\b q'
-    '(\101\53\7x)' 'A+\u0007x'
-    '(\12345)' 'S45'
-    $'(one\\\ntwo\\\r\nthree)' 'onetwothree'
-    $'(a\r\nb\rc\\nd)' 'a\nb\nc\nd'
-    $'(\x80 \xa0 \x9f \xad \x18 \x8e)' '• € � � ˘ ”'
-    '(J\366rg)' 'Jörg'
+    '(a (b) \(c)' 'a (b) (c'
+    '(\12345\7x)' 'S45\u0007x'
+    $'(J\xf6rg \x80\x9f)' 'Jörg •�'
     $'(\xfe\xff\1J\1\xf6)' 'Jö'
-    $'(\xff\xfeJ\1\xf6\1)' 'Jö'
-    '<FEFF20AC>' '€'
-    '<feffd83dde00>' '😀'
-    '<FEFFD83D0041>' '�A'
-    '<FEFF0041DE>' 'A�'
-    '<4A F6
-     7>' 'Jöp'
-    $'(\xef\xbb\xbfGr\xc3\xbc\xc3\x9f)' 'Grüß'
+    '<feffd83d
+     de00>' '😀'
     $'(\xef\xbb\xbfa\xc3)' 'a�'
-    $'(\xef\xbb\xbf\xc0\xaf\xed\xa0\x80\xe0\x80\xaf)' '��������'
     '/N#C3#A4me#20x' 'Näme x'
 )
 bodies=("${one_page[@]}")

@@ -83,6 +83,8 @@ TEST(Values, Strings) {
         std::string_view literal, bytes;
     } rows[] = {
         {"(a\\(\\)\\\\)", "a()\\"},
+        {"(a (b) c)", "a (b) c"},
+        {"(\\12345\\7x\\53)", "S45\ax+"},
         {"(\\101\\1018\\5)", "AA8\5"},
         {"(a\\\r\nb\r\nc\rd)", "ab\nc\nd"},
         {"<4 142>", "AB"},
