@@ -167,11 +167,7 @@ std::optional<std::string> completePdfDate(std::string_view date) {
 timeb zonedTime(std::time_t time) {
     timeb zoned{};
     zoned.time = time;
-    if (const auto local = localTime(time)) {
-        const bool summer = local->tm_isdst > 0;
-        zoned.timezone = static_cast<short>(-local->tm_gmtoff / 60 + (summer ? 60 : 0));
-        zoned.dstflag = static_cast<short>(summer ? 1 : 0);
-    }
+    if (const auto local = localTime(time)) zoned.timezone = static_cast<short>(-local->tm_gmtoff / 60);
     return zoned;
 }
 

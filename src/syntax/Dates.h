@@ -18,7 +18,7 @@ namespace varnpdf {
 std::string pdfDate(std::time_t time);
 /// The local time with the zone of the structure, the zone's hour with one digit west of UTC; empty likewise.
 std::string pdfDate(const timeb& time);
-/// The structure for a time, with the zone that holds then.
+/// The structure for a time. Its zone is the offset that holds then, an hour of summer included.
 timeb zonedTime(std::time_t time);
 /// The local time with the offset that holds then, complete: D:20261115023351+01'00'. Empty likewise.
 std::string localPdfDate(std::time_t time);

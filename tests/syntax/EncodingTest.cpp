@@ -48,6 +48,7 @@ TEST(TextString, OfEveryKindIsRead) {
         {"\xFF\xFEJ\0\xF6\0\x41\1"sv, "JöŁ"},
         {"\xFE\xFF\xD8\x3D\0\x41"sv, "�A"},
         {"\xFE\xFF\0\x41\xDE"sv, "A�"},
+        {"\xFE\xFF\xDC\0\xDC\0"sv, "��"},
         {"\xFE\xFF\0A\xD8\0"sv, "A�"},
         {"\xEF\xBB\xBFü", "ü"},
         {"\xEF\xBB\xBF"
