@@ -1,5 +1,5 @@
 // Glyph names and characters, StandardEncoding.
-#include "content/Glyphs.h"
+#include "forms/Glyphs.h"
 
 #include <algorithm>
 #include <charconv>

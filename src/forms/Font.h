@@ -7,7 +7,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "content/Glyphs.h"
+#include "forms/Glyphs.h"
 
 namespace varnpdf {
 
