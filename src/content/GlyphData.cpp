@@ -1,6 +1,6 @@
 // The glyphs of Latin text: names, characters, codes of StandardEncoding (ISO 32000-2 annex D), widths in thousandths of
 // the font size in the standard fonts that are not monospaced.
-#include "forms/Glyphs.h"
+#include "content/Glyphs.h"
 
 namespace varnpdf {
 namespace {

@@ -1,5 +1,5 @@
 // Glyph names and characters, StandardEncoding.
-#include "forms/Glyphs.h"
+#include "content/Glyphs.h"
 
 #include <algorithm>
 #include <charconv>

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "forms/Glyphs.h"
+#include "content/Glyphs.h"
 
 namespace varnpdf {
 
