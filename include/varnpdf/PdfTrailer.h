@@ -2,10 +2,8 @@
 #pragma once
 
 #include <memory>
-#include <string>
 #include <string_view>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/export.h"
 
@@ -25,17 +23,17 @@ public:
     ~CPdfTrailer() override;
 
     /// Offset of the section: of the "xref" keyword or of the cross-reference stream object.
-    [[nodiscard]] int GetXRef() const { return xref_; }
-    void SetXRef(int offset) { xref_ = offset; }
+    [[nodiscard]] int GetXRef() const;
+    void SetXRef(int offset);
     /// /Size, the highest object number + 1.
-    [[nodiscard]] int GetSize() const { return size_; }
-    void SetSize(int size) { size_ = size; }
+    [[nodiscard]] int GetSize() const;
+    void SetSize(int size);
     /// /Prev, 0 when there is none.
-    [[nodiscard]] int GetPrev() const { return prev_; }
-    void SetPrev(int offset) { prev_ = offset; }
+    [[nodiscard]] int GetPrev() const;
+    void SetPrev(int offset);
     /// /XRefStm of a hybrid file, 0 when there is none.
-    [[nodiscard]] int GetXRefStmAddr() const { return xrefStm_; }
-    void SetXRefStmAddr(int offset) { xrefStm_ = offset; }
+    [[nodiscard]] int GetXRefStmAddr() const;
+    void SetXRefStmAddr(int offset);
 
     /// The values as they stand in the trailer, writable, NUL-terminated, owned by the trailer, with room for 100,
     /// 1024, 100 and 10000 bytes. Empty when the trailer has no such entry.
@@ -46,10 +44,10 @@ public:
     /// Sets the /ID text; what does not fit 9999 characters is refused and the text stays as it was.
     void SetId(char* id);
 
-    [[nodiscard]] bool GetHasInfoFlag() const { return hasInfo_; }
-    void SetHasInfoFlag(bool has) { hasInfo_ = has; }
-    [[nodiscard]] bool GetIsCrossRefStream() const { return isStream_; }
-    void SetIsCrossRefStream(bool isStream) { isStream_ = isStream; }
+    [[nodiscard]] bool GetHasInfoFlag() const;
+    void SetHasInfoFlag(bool has);
+    [[nodiscard]] bool GetIsCrossRefStream() const;
+    void SetIsCrossRefStream(bool isStream);
 
     /// Keeps a terminated copy of the /Index text.
     void Setm_cIndexField(unsigned char* text, int len);
@@ -63,35 +61,25 @@ public:
     int UpdateId(bool renew);
 
     /// Read access to the texts without widening their buffers.
-    [[nodiscard]] std::string_view encrypt() const { return stored(encrypt_, kEncryptRoom); }
-    [[nodiscard]] std::string_view info() const { return stored(info_, kInfoRoom); }
-    [[nodiscard]] std::string_view root() const { return stored(root_, kRootRoom); }
-    [[nodiscard]] std::string_view id() const { return stored(id_, kIdRoom); }
+    [[nodiscard]] std::string_view encrypt() const;
+    [[nodiscard]] std::string_view info() const;
+    [[nodiscard]] std::string_view root() const;
+    [[nodiscard]] std::string_view id() const;
     /// Set a text; false, and nothing changes, when it does not fit its room.
-    bool setEncrypt(std::string_view text) { return store(encrypt_, text, kEncryptRoom); }
-    bool setInfo(std::string_view text) { return store(info_, text, kInfoRoom); }
-    bool setRoot(std::string_view text) { return store(root_, text, kRootRoom); }
-    bool setId(std::string_view text) { return store(id_, text, kIdRoom); }
+    bool setEncrypt(std::string_view text);
+    bool setInfo(std::string_view text);
+    bool setRoot(std::string_view text);
+    bool setId(std::string_view text);
 
 private:
-    static bool store(std::string& target, std::string_view text, int room);
-    static char* buffer(std::string& text, int room);
-    // A buffer that was handed out ends at its terminator; a text that was read may hold NULs.
-    static std::string_view stored(const std::string& text, int room) {
-        return text.size() == static_cast<std::size_t>(room) ? std::string_view(text.c_str()) : std::string_view(text);
-    }
+    struct Texts;
 
     int xref_ = 0;
     int size_ = 0;
     int prev_ = 0;
     int xrefStm_ = 0;
-    std::string encrypt_;
-    std::string id_;
-    std::string info_;
-    std::string root_;
     bool hasInfo_ = false;
     bool isStream_ = false;
+    std::unique_ptr<Texts> texts_;
     std::unique_ptr<unsigned char[]> m_cIndexField;
-
-    static varnpdf::ClassLogger m_logger;
 };

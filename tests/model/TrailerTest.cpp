@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -103,9 +104,16 @@ TEST(PdfTrailer, RenewsTheSecondIdentifier) {
         {"[<AB12> <CD34>]", true, "[<AB12> <####>]"},
         {" \r\n[ <AB12><11112222333344445555666677778888> ] ", true, "[<AB12><" + digits + ">]"},
         {"%x\n[<AB> <>]", true, "[<AB> <>]"},
+        {"[<AB12> (xyz)]", true, "[<AB12> <" + digits + ">]"},
+        {"[<AB12>(x<CD>)]", true, "[<AB12> <" + digits + ">]"},
+        {"[<AB12> <CD", true, "[<AB12> <" + digits + ">]"},
+        {"[<AB12>]", true, "[<AB12> <" + digits + ">]"},
         {"[(0123456789abcdef) (x)]", true, "[ <30313233343536373839616263646566> <" + digits + "> ]"},
         {"[(\\(1234567\\)9\\\\abcdefXX) (x)]", true, "[ <283132333435363729395C6162636465> <" + digits + "> ]"},
         {"[(\\n123456789abcdefXX) (x)]", true, "[ <5C6E3132333435363738396162636465> <" + digits + "> ]"},
+        {"[(C:\\\\) (x)]", true, "[ <433A5C> <" + digits + "> ]"},
+        {"[(C:\\\\\\)) (x)]", true, "[ <433A5C29> <" + digits + "> ]"},
+        {"[(a(b)c)(x)]", true, "[ <6128622963> <" + digits + "> ]"},
     };
     for (const auto& row : rows) {
         CPdfTrailer trailer;
@@ -113,11 +121,20 @@ TEST(PdfTrailer, RenewsTheSecondIdentifier) {
         EXPECT_EQ(trailer.UpdateId(row.renew), 0);
         EXPECT_TRUE(matches(trailer.GetId(), row.result)) << row.id << " became " << trailer.GetId();
     }
-    CPdfTrailer trailer;
-    trailer.SetId(std::string("[<11112222333344445555666677778888><11112222333344445555666677778888>]").data());
-    trailer.UpdateId(true);
-    EXPECT_EQ(trailer.id().find("<11112222333344445555666677778888>", 1), 1U);
-    EXPECT_EQ(trailer.id().find("<11112222333344445555666677778888>", 2), std::string_view::npos);
+}
+
+TEST(PdfTrailer, EveryUpdateHasAnIdentifierOfItsOwn) {
+    // Within a second the generator gives the same digits again; a single digit would repeat by chance as well.
+    for (const char* id :
+         {"[<AB12><11112222333344445555666677778888>]", "[<AB12> (x)]", "[(AB12) (x)]", "[<AB12> <0>]"}) {
+        CPdfTrailer trailer;
+        trailer.SetId(std::string(id).data());
+        for (int update = 0; update < 40; ++update) {
+            const std::string old(trailer.id());
+            trailer.UpdateId(true);
+            EXPECT_NE(trailer.id(), old) << id;
+        }
+    }
 }
 
 TEST(PdfTrailer, BrokenIdentifiersAreSurvived) {
@@ -128,6 +145,26 @@ TEST(PdfTrailer, BrokenIdentifiersAreSurvived) {
         EXPECT_EQ(trailer.UpdateId(true), 0) << id;
         EXPECT_LT(trailer.id().size(), 128U) << id;
     }
+}
+
+TEST(PdfTrailer, AskingForATextChangesNothing) {
+    const std::string_view raw("[(a\0b) (x)]", 11);
+    CPdfTrailer trailer;
+    ASSERT_TRUE(trailer.setId(raw));
+    char* const buffer = trailer.GetId();
+    EXPECT_STREQ(buffer, "[(a");
+    EXPECT_EQ(trailer.id(), raw);
+    trailer.UpdateId(true);
+    EXPECT_TRUE(trailer.id().starts_with("[ <610062> <")) << trailer.id();
+    EXPECT_EQ(buffer, trailer.id());
+
+    trailer.SetId(std::string("[<AB> <CD>]").data());
+    EXPECT_STREQ(buffer, "[<AB> <CD>]");
+    std::strcpy(buffer + 1, "<EF> <CD> ]");
+    EXPECT_EQ(trailer.id(), "[<EF> <CD> ]");
+    trailer.SetId(buffer + 1);  // what was handed out comes back
+    EXPECT_STREQ(buffer, "<EF> <CD> ]");
+    EXPECT_EQ(trailer.id(), "<EF> <CD> ]");
 }
 
 TEST(PdfTrailer, TextsAreRefusedRatherThanOverrun) {
