@@ -24,22 +24,22 @@ public:
     /// Appends a NUL-terminated text without its terminator. Returns 0.
     int print(char* s);
     /// The buffer; valid until the next append or init. Owned by the stream.
-    [[nodiscard]] unsigned char* data() { return data_.get(); }
-    [[nodiscard]] const unsigned char* data() const { return data_.get(); }
+    [[nodiscard]] unsigned char* data();
+    [[nodiscard]] const unsigned char* data() const;
     /// The write position, which is also the number of bytes in use.
-    [[nodiscard]] unsigned int tell() const { return size_; }
+    [[nodiscard]] unsigned int tell() const;
     /// Sets the write position. A position beyond the room is taken as it is and the next append makes the room;
     /// the bytes between are then unspecified.
-    void setseek(unsigned int n) { size_ = n; }
+    void setseek(unsigned int n);
     /// Does nothing; the write position is always the end.
     void setseekend(unsigned int n);
-    void setoldcontentsize(unsigned int n) { oldContentSize_ = n; }
-    [[nodiscard]] unsigned int getoldcontentsize() const { return oldContentSize_; }
+    void setoldcontentsize(unsigned int n);
+    [[nodiscard]] unsigned int getoldcontentsize() const;
     /// Bytes of room, used and unused.
-    [[nodiscard]] unsigned int capacity() const { return capacity_; }
+    [[nodiscard]] unsigned int capacity() const;
 
 private:
-    void makeRoom(std::size_t capacity);
+    VARNPDF_HIDDEN void makeRoom(std::size_t capacity);
 
     std::unique_ptr<unsigned char[]> data_;
     std::size_t allocated_ = 0;

@@ -4,7 +4,6 @@
 #include <memory>
 #include <string>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CPdf;
@@ -37,7 +36,6 @@ public:
     int AttachFileToPDF(unsigned char* pdfPath, unsigned char* filePath, int reserved);
 
 private:
-    static varnpdf::ClassLogger m_logger;
 };
 
 /// The files embedded in an opened document: those of the name tree in its order, then those of file attachment

@@ -3,9 +3,7 @@
 
 #include <list>
 #include <string>
-#include <utility>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CPdf;
@@ -20,17 +18,17 @@ public:
     /// @param fileType     1 to 4, see `FileType`
     /// @param activePage   this document supplies the cover sheet and is the one shown first; it counts as a PDF
     /// @param description  UTF-8, shown by viewers
-    CPdfCollectionListItem(std::string fileName, int fileType, bool activePage, std::string description)
-        : fileName_(std::move(fileName)),
-          fileType_(fileType),
-          activePage_(activePage),
-          description_(std::move(description)) {}
-    [[nodiscard]] std::string getFileName() const { return fileName_; }
-    void setFileName(std::string fileName) { fileName_ = std::move(fileName); }
-    [[nodiscard]] int getFileType() const { return fileType_; }
-    [[nodiscard]] bool getIsActivePage() const { return activePage_; }
-    [[nodiscard]] std::string getDescription() const { return description_; }
-    void setDescription(std::string description) { description_ = std::move(description); }
+    CPdfCollectionListItem(std::string fileName, int fileType, bool activePage, std::string description);
+    CPdfCollectionListItem(const CPdfCollectionListItem&);
+    CPdfCollectionListItem& operator=(const CPdfCollectionListItem&);
+    ~CPdfCollectionListItem();
+
+    [[nodiscard]] std::string getFileName() const;
+    void setFileName(std::string fileName);
+    [[nodiscard]] int getFileType() const;
+    [[nodiscard]] bool getIsActivePage() const;
+    [[nodiscard]] std::string getDescription() const;
+    void setDescription(std::string description);
 
 private:
     std::string fileName_;
@@ -78,5 +76,4 @@ public:
     int ExamineValue(std::string value, CPdf* source);
 
 private:
-    static varnpdf::ClassLogger m_logger;
 };

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 /// Validation material for one signature. Several records may name the same signature.
@@ -20,8 +19,8 @@ struct pdf_dss_struct {
 class VARNPDF_EXPORT c_pdf_dss {
 public:
     c_pdf_dss();
-    c_pdf_dss(const c_pdf_dss&) = default;
-    c_pdf_dss& operator=(const c_pdf_dss&) = default;
+    c_pdf_dss(const c_pdf_dss&);
+    c_pdf_dss& operator=(const c_pdf_dss&);
     virtual ~c_pdf_dss();
 
     /// Writes the input with an appended update that holds the material. Every signature gets an entry in /VRI. A store
@@ -44,7 +43,6 @@ public:
                                           int limit) const;
 
 private:
-    static varnpdf::ClassLogger m_logger;
 };
 
 /// Opens a file as fopen does. 0, or the errno value, with `*file` null.

@@ -1,7 +1,6 @@
 // CPdfDoc: work on documents by file name.
 #pragma once
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CPdf;
@@ -14,8 +13,8 @@ class CPdf;
 /// VARNPDF_NO_SIGNATURE_VALUE (-1) where there is no signature with the index, but others.
 class VARNPDF_EXPORT CPdfDoc {
 public:
-    CPdfDoc() = default;
-    virtual ~CPdfDoc() = default;
+    CPdfDoc();
+    virtual ~CPdfDoc();
 
     /// The bytes covered by /ByteRange (ISO 32000-2 12.8.1), read from the file.
     /// @return 0, an open code, -1, VARNPDF_NO_SIGNATURE (-113), VARNPDF_BYTE_RANGE_UNUSABLE (-22) or
@@ -48,5 +47,4 @@ public:
     int ConvertImage2Pdf(char* in, char* out);
 
 private:
-    static varnpdf::ClassLogger m_logger;
 };

@@ -7,27 +7,26 @@
 #include <string_view>
 #include <vector>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/export.h"
 
 /// A font of the form's resources: the name by which content refers to it, and the object.
 class VARNPDF_EXPORT CFontObj {
 public:
-    CFontObj() = default;
-    CFontObj(const CFontObj&) = default;
+    CFontObj();
+    CFontObj(const CFontObj&);
     virtual ~CFontObj();
 
     /// Name without slash, e.g. "F1"; "" until set. Owned by the font.
-    [[nodiscard]] const char* GetShortName() const { return shortName_.c_str(); }
+    [[nodiscard]] const char* GetShortName() const;
     /// Keeps a copy; null is "".
-    void SetShortName(const char* name) { shortName_ = name == nullptr ? "" : name; }
+    void SetShortName(const char* name);
     /// Reference text, e.g. "5 0 R"; "" until set. Owned by the font.
-    [[nodiscard]] const char* GetRefNum() const { return refNum_.c_str(); }
-    void SetRefNum(const char* reference) { refNum_ = reference == nullptr ? "" : reference; }
+    [[nodiscard]] const char* GetRefNum() const;
+    void SetRefNum(const char* reference);
     void CopyFrom(CFontObj* other);
     CFontObj& operator=(CFontObj& other);
-    CFontObj& operator=(const CFontObj&) = default;
+    CFontObj& operator=(const CFontObj&);
 
 private:
     std::string shortName_;
@@ -37,7 +36,7 @@ private:
 /// Fonts by value, in the order they were added. A pointer to one holds until the next `AddFont`.
 class VARNPDF_EXPORT CPdfFontContainer {
 public:
-    CPdfFontContainer() = default;
+    CPdfFontContainer();
     CPdfFontContainer(const CPdfFontContainer&) = delete;
     CPdfFontContainer& operator=(const CPdfFontContainer&) = delete;
     virtual ~CPdfFontContainer();
@@ -50,9 +49,9 @@ public:
     CFontObj* GetDefaultFont();
     /// A font that is not in the container counts as null.
     void SetDefaultFont(CFontObj* font);
-    [[nodiscard]] int GetFontNum() const { return static_cast<int>(fonts_.size()); }
+    [[nodiscard]] int GetFontNum() const;
     /// The fonts (`GetFontNum` of them), null without any.
-    CFontObj* GetFontObj() { return fonts_.empty() ? nullptr : fonts_.data(); }
+    CFontObj* GetFontObj();
 
 private:
     std::vector<CFontObj> fonts_;
@@ -72,36 +71,36 @@ public:
     void CopyFrom(CPdfField* other);
 
     /// The field's own object; what `CPdf::AppendObjects` writes. Owned by the field.
-    CPdfObj* GetOrgObj() { return &orgObj_; }
+    CPdfObj* GetOrgObj();
     /// Copies the object.
     void SetOrgObj(CPdfObj* obj);
     /// Appearance stream `i` (from 0), in the order normal, rollover, down as far as the field has them; null for an
     /// index outside 0 to 2. Owned by the field.
     CPdfObj* GetAppearanceObj(int i);
     /// How many appearance objects are filled, 0 to 3.
-    [[nodiscard]] int GetAppearanceCount() const { return appearanceCount_; }
-    void SetAppearanceCount(int count) { appearanceCount_ = count; }
+    [[nodiscard]] int GetAppearanceCount() const;
+    void SetAppearanceCount(int count);
 
     /// The texts below are owned by the field and hold until the next change; null when never set. Setting keeps a copy.
     /// Name: /T without its parentheses.
-    [[nodiscard]] const char* GetTag() const { return textOf(tag_); }
+    [[nodiscard]] const char* GetTag() const;
     void SetTag(const char* text);
     /// /V as read, without parentheses. A UTF-16 value holds NULs; `orgValue` has all of it.
-    [[nodiscard]] const char* GetOrgValue() const { return textOf(orgValue_); }
+    [[nodiscard]] const char* GetOrgValue() const;
     void SetOrgValue(const char* text);
     /// The value to be written, UTF-8; text that is not UTF-8 is taken to be Latin-1.
-    [[nodiscard]] const char* GetNewValue() const { return textOf(newValue_); }
+    [[nodiscard]] const char* GetNewValue() const;
     void SetNewValue(const char* text);
     /// The text of /AP.
-    [[nodiscard]] const char* GetAppearanceLink() const { return textOf(appearanceLink_); }
+    [[nodiscard]] const char* GetAppearanceLink() const;
     void SetAppearanceLink(const char* text);
 
     /// The font that /DA names, in the font container that was read with the field; null when unknown.
-    [[nodiscard]] CFontObj* GetFont() const { return font_; }
-    void SetFont(CFontObj* font) { font_ = font; }
+    [[nodiscard]] CFontObj* GetFont() const;
+    void SetFont(CFontObj* font);
     /// 1: to be written into the update.
-    [[nodiscard]] int GetIsNew() const { return isNew_; }
-    void SetIsNew(int isNew) { isNew_ = isNew; }
+    [[nodiscard]] int GetIsNew() const;
+    void SetIsNew(int isNew);
 
     /// 1 when a new value has been set and differs from the one that was read, else 0.
     int CompareValues();
@@ -110,21 +109,16 @@ public:
     /// Writes the new value into the field's object (/V) and into its appearance objects.
     void UpdateValues(CFontObj* defaultFont);
 
-    [[nodiscard]] std::string_view orgValue() const {
-        return orgValue_ ? std::string_view(*orgValue_) : std::string_view{};
-    }
-    void setOrgValue(std::string_view text) { orgValue_ = text; }
-    void setTag(std::string_view text) { tag_ = text; }
-    void setAppearanceLink(std::string_view text) { appearanceLink_ = text; }
-    [[nodiscard]] std::string_view appearanceLink() const {
-        return appearanceLink_ ? std::string_view(*appearanceLink_) : std::string_view{};
-    }
+    [[nodiscard]] std::string_view orgValue() const;
+    void setOrgValue(std::string_view text);
+    void setTag(std::string_view text);
+    void setAppearanceLink(std::string_view text);
+    [[nodiscard]] std::string_view appearanceLink() const;
 
 private:
     friend class CPdfFieldContainer;
     using Text = std::optional<std::string>;
-    static const char* textOf(const Text& text) { return text ? text->c_str() : nullptr; }
-    void updateValues(CFontObj* defaultFont, std::size_t& budget);
+    VARNPDF_HIDDEN void updateValues(CFontObj* defaultFont, std::size_t& budget);
 
     CPdfObj appearances_[kAppearances];
     CPdfObj orgObj_;
@@ -149,9 +143,9 @@ public:
     void AddField(CPdfField* field);
     /// Field `i` (from 0), null outside of the range. Owned by the container.
     CPdfField* GetFields(int i);
-    [[nodiscard]] int GetFieldNum() const { return static_cast<int>(fields_.size()); }
+    [[nodiscard]] int GetFieldNum() const;
     /// Null without fonts. Owned by the container.
-    CPdfFontContainer* GetFontContainer() { return fonts_.get(); }
+    CPdfFontContainer* GetFontContainer();
     /// The container takes the fonts over and deletes those it had.
     void SetFontContainer(CPdfFontContainer* fonts);
 
@@ -170,18 +164,16 @@ public:
     void DumpFieldsToFile(const char* path);
 
 private:
-    [[nodiscard]] std::string dump();
+    [[nodiscard]] VARNPDF_HIDDEN std::string dump();
 
     std::vector<std::unique_ptr<CPdfField>> fields_;
     std::unique_ptr<CPdfFontContainer> fonts_;
-
-    static varnpdf::ClassLogger m_logger;
 };
 
 /// An object whose text is an AcroForm dictionary (ISO 32000-2 12.7.3).
 class VARNPDF_EXPORT CAcroFormObj : public CPdfObj {
 public:
-    CAcroFormObj() = default;
+    CAcroFormObj();
     ~CAcroFormObj() override;
 
     /// A value of the dictionary, terminated; `out` holds the content length + 1 bytes. 1 when found, else 0.

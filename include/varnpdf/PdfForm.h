@@ -3,7 +3,6 @@
 
 #include <memory>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CPdf;
@@ -58,6 +57,4 @@ public:
 
 private:
     std::unique_ptr<varnpdf::FormState> state_;
-
-    static varnpdf::ClassLogger m_logger;
 };

@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CPdfObj;
@@ -210,5 +209,4 @@ public:
     static int ReplaceModDate(CPdfObj* obj, char* date);
 
 private:
-    static varnpdf::ClassLogger m_logger;
 };

@@ -4,7 +4,6 @@
 #include <list>
 #include <string>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/SignatureFields.h"
 #include "varnpdf/export.h"
 
@@ -72,5 +71,4 @@ public:
     static std::list<cPdfSignatureFields*> m_PdfSigF;
 
 private:
-    static varnpdf::ClassLogger m_logger;
 };

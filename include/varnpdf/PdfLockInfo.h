@@ -14,27 +14,29 @@ enum access_permission { eNoChanges = 1 };
 class VARNPDF_EXPORT CPdfLockInfo {
 public:
     CPdfLockInfo();
+    CPdfLockInfo(const CPdfLockInfo&);
+    CPdfLockInfo& operator=(const CPdfLockInfo&);
     virtual ~CPdfLockInfo();
 
     /// True only for exactly 1.
-    [[nodiscard]] bool get_use_locking() const { return use_locking == 1; }
-    void set_use_locking(int use) { use_locking = use; }
-    [[nodiscard]] transform_methods get_transformmethod() const { return transformmethod; }
-    void set_transformmethod(transform_methods method) { transformmethod = method; }
+    [[nodiscard]] bool get_use_locking() const;
+    void set_use_locking(int use);
+    [[nodiscard]] transform_methods get_transformmethod() const;
+    void set_transformmethod(transform_methods method);
     /// Object number of the transform parameters.
-    [[nodiscard]] int get_transformparamsobjid() const { return transformparamsobjid; }
-    void set_transformparamsobjid(int objid) { transformparamsobjid = objid; }
-    [[nodiscard]] access_permission get_pvalue() const { return pvalue; }
-    void set_pvalue(access_permission value) { pvalue = value; }
-    [[nodiscard]] action_type get_actionvalue() const { return actionvalue; }
-    void set_actionvalue(action_type value) { actionvalue = value; }
-    [[nodiscard]] digest_method get_digestalgo() const { return digestalgo; }
-    void set_digestalgo(digest_method algo) { digestalgo = algo; }
-    [[nodiscard]] std::string get_digestvalue() const { return digestvalue; }
+    [[nodiscard]] int get_transformparamsobjid() const;
+    void set_transformparamsobjid(int objid);
+    [[nodiscard]] access_permission get_pvalue() const;
+    void set_pvalue(access_permission value);
+    [[nodiscard]] action_type get_actionvalue() const;
+    void set_actionvalue(action_type value);
+    [[nodiscard]] digest_method get_digestalgo() const;
+    void set_digestalgo(digest_method algo);
+    [[nodiscard]] std::string get_digestvalue() const;
     void set_digestvalue(std::string value);
     /// Object number named by /Data of the signature reference.
-    [[nodiscard]] int get_objid_data() const { return objid_data; }
-    void set_objid_data(int objid) { objid_data = objid; }
+    [[nodiscard]] int get_objid_data() const;
+    void set_objid_data(int objid);
 
 private:
     int use_locking = 0;

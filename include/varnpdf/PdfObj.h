@@ -5,7 +5,6 @@
 #include <memory>
 #include <string_view>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CFontObj;
@@ -39,48 +38,48 @@ public:
     void CopyFrom(CPdfObj* other);
     CPdfObj& operator=(CPdfObj& other);
 
-    [[nodiscard]] int GetObjNum() const { return objNum_; }
-    void SetObjNum(int n) { objNum_ = n; }
-    [[nodiscard]] int GetGenNumber() const { return genNum_; }
-    void SetGenNumber(int n) { genNum_ = n; }
+    [[nodiscard]] int GetObjNum() const;
+    void SetObjNum(int n);
+    [[nodiscard]] int GetGenNumber() const;
+    void SetGenNumber(int n);
     /// Byte offset of the object's first byte in the file, -1 when unknown.
-    [[nodiscard]] int GetFromPos() const { return fromPos_; }
-    void SetFromPos(int pos) { fromPos_ = pos; }
-    [[nodiscard]] int GetToPos() const { return toPos_; }
-    void SetToPos(int pos) { toPos_ = pos; }
+    [[nodiscard]] int GetFromPos() const;
+    void SetFromPos(int pos);
+    [[nodiscard]] int GetToPos() const;
+    void SetToPos(int pos);
     void SetPosition(int from, int to);
 
     /// The text, NUL-terminated (it may hold NULs itself: use `GetContentLen`), or null. Owned by the object, valid
     /// until its next change. To change the text use the operations below.
     unsigned char* GetContent();
     /// Bytes of text, the terminator not counted.
-    [[nodiscard]] int GetContentLen() const { return contentLen_; }
+    [[nodiscard]] int GetContentLen() const;
     /// Sets the recorded length only. A length beyond the stored text is recorded but never read.
     void SetContentLen(int len);
     /// The text without copying it: as much of the recorded length as is stored. Valid until the next change of this
     /// object and, for an object read from a document, as long as the document.
     [[nodiscard]] std::string_view content() const noexcept;
 
-    [[nodiscard]] bool GetStatus() const { return status_; }
-    void SetStatus(bool status) { status_ = status; }
-    [[nodiscard]] ContentType GetObjectType() const { return objectType_; }
-    void SetObjectType(ContentType type) { objectType_ = type; }
-    [[nodiscard]] bool GetIsCompressed() const { return isCompressed_; }
-    void SetIsCompressed(bool compressed) { isCompressed_ = compressed; }
+    [[nodiscard]] bool GetStatus() const;
+    void SetStatus(bool status);
+    [[nodiscard]] ContentType GetObjectType() const;
+    void SetObjectType(ContentType type);
+    [[nodiscard]] bool GetIsCompressed() const;
+    void SetIsCompressed(bool compressed);
     /// Number of the object stream that holds the object (ISO 32000-2 7.5.7).
-    [[nodiscard]] int GetCompressStreamObjNr() const { return streamObjNr_; }
-    void SetCompressStreamObjNr(int n) { streamObjNr_ = n; }
+    [[nodiscard]] int GetCompressStreamObjNr() const;
+    void SetCompressStreamObjNr(int n);
     /// Index of the object inside its object stream, from 0.
-    [[nodiscard]] int GetPositioninStreamArray() const { return positionInStream_; }
-    void SetPositioninStreamArray(int n) { positionInStream_ = n; }
-    [[nodiscard]] bool IsInUse() const { return inUseKeyword_ == 'n'; }
+    [[nodiscard]] int GetPositioninStreamArray() const;
+    void SetPositioninStreamArray(int n);
+    [[nodiscard]] bool IsInUse() const;
     /// Stores 'f' or 'n'; any other character is ignored.
     void SetInUseKeyword(char c);
 
-    [[nodiscard]] bool GetbHasDecodeParms_Colums() const { return hasColumns_; }
-    [[nodiscard]] bool GetbHasDecodeParms_Predictor() const { return hasPredictor_; }
-    [[nodiscard]] long GetiDecodeParms_Colums() const { return columns_; }
-    [[nodiscard]] long GetiDecodeParms_Predictor() const { return predictor_; }
+    [[nodiscard]] bool GetbHasDecodeParms_Colums() const;
+    [[nodiscard]] bool GetbHasDecodeParms_Predictor() const;
+    [[nodiscard]] long GetiDecodeParms_Colums() const;
+    [[nodiscard]] long GetiDecodeParms_Predictor() const;
     /// Stores /Columns; the has-flag says whether it is 0 or more.
     void SetiDecodeParms_Colums(int columns);
     /// Stores /Predictor; the has-flag says whether it is 1, 2 or 10 to 15 (ISO 32000-2 table 10).
@@ -172,7 +171,7 @@ public:
     /// Takes text that somebody else keeps alive and unchanged, without copying it. For the reader.
     void borrowContent(std::string_view text) noexcept;
     /// Lets changes of the text count up `*revision` (null: nobody is told). For the owner of an object table.
-    void reportChangesTo(std::uint64_t* revision) noexcept { revision_ = revision; }
+    void reportChangesTo(std::uint64_t* revision) noexcept;
     /// The value of /Type by the object lookup (of two occurrences the later), empty when there is none. Scanned once
     /// for each state of the text.
     [[nodiscard]] std::string_view typeEntry();
@@ -180,11 +179,11 @@ public:
     [[nodiscard]] std::string_view fieldTypeEntry();
 
 private:
-    void assign(std::string_view text);
-    void splice(std::size_t begin, std::size_t end, std::string_view replacement);
-    void rememberDictionaryTypes();
-    void findEntries();
-    void changed() noexcept;
+    VARNPDF_HIDDEN void assign(std::string_view text);
+    VARNPDF_HIDDEN void splice(std::size_t begin, std::size_t end, std::string_view replacement);
+    VARNPDF_HIDDEN void rememberDictionaryTypes();
+    VARNPDF_HIDDEN void findEntries();
+    VARNPDF_HIDDEN void changed() noexcept;
 
     ContentType objectType_ = eContentUndefined;
     char inUseKeyword_ = 'f';
@@ -213,18 +212,16 @@ private:
     std::unique_ptr<char[]> dictionaryType_;
     std::unique_ptr<char[]> dictionarySubtype_;
     std::uint64_t* revision_ = nullptr;
-
-    static varnpdf::ClassLogger m_logger;
 };
 
 /// Pair of an object's number in the document it is copied from and in the one it is copied to.
 class VARNPDF_EXPORT CPdfObjTransferListItem {
 public:
-    CPdfObjTransferListItem(int oldNr, int newNr) : oldNr_(oldNr), newNr_(newNr) {}
-    [[nodiscard]] int getOldObjNr() const { return oldNr_; }
-    [[nodiscard]] int getNewObjNr() const { return newNr_; }
-    void setOldObjNr(int n) { oldNr_ = n; }
-    void setNewObjNr(int n) { newNr_ = n; }
+    CPdfObjTransferListItem(int oldNr, int newNr);
+    [[nodiscard]] int getOldObjNr() const;
+    [[nodiscard]] int getNewObjNr() const;
+    void setOldObjNr(int n);
+    void setNewObjNr(int n);
 
 private:
     int oldNr_;

@@ -14,6 +14,8 @@ public:
     static constexpr int kRegister = 100;
 
     CPdfSigInfo();
+    CPdfSigInfo(const CPdfSigInfo&);
+    CPdfSigInfo& operator=(const CPdfSigInfo&);
     virtual ~CPdfSigInfo();
 
     /// Registers the field object of a signature; an index outside 0 to 99 is ignored.
@@ -22,20 +24,20 @@ public:
     [[nodiscard]] CPdfObj* GetSignRef(int index) const;
 
     /// Position in the update of the first blank behind "/ByteRange [".
-    void SetRangePos(int pos) { RangePos = pos; }
-    [[nodiscard]] int GetRangePos() const { return RangePos; }
+    void SetRangePos(int pos);
+    [[nodiscard]] int GetRangePos() const;
     /// The four /ByteRange values, as offsets and lengths in the file.
-    void SetOffset0(int n) { Offset0 = n; }
-    [[nodiscard]] int GetOffset0() const { return Offset0; }
-    void SetLen0(int n) { Len0 = n; }
-    [[nodiscard]] int GetLen0() const { return Len0; }
-    void SetOffset1(int n) { Offset1 = n; }
-    [[nodiscard]] int GetOffset1() const { return Offset1; }
-    void SetLen1(int n) { Len1 = n; }
-    [[nodiscard]] int GetLen1() const { return Len1; }
+    void SetOffset0(int n);
+    [[nodiscard]] int GetOffset0() const;
+    void SetLen0(int n);
+    [[nodiscard]] int GetLen0() const;
+    void SetOffset1(int n);
+    [[nodiscard]] int GetOffset1() const;
+    void SetLen1(int n);
+    [[nodiscard]] int GetLen1() const;
     /// Number of registered signatures, or the number that a new field's name starts from.
-    void SetSigNum(int n) { SigNumber = n; }
-    [[nodiscard]] int GetSigNumber() const { return SigNumber; }
+    void SetSigNum(int n);
+    [[nodiscard]] int GetSigNumber() const;
 
 private:
     std::array<CPdfObj*, kRegister> SignRef{};

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/export.h"
 
 class CPdf;
@@ -32,8 +31,8 @@ public:
     virtual ~CPdfSign();
 
     /// true (the default): /SubFilter /ETSI.CAdES.detached (ETSI EN 319 142-1); false: /adbe.pkcs7.detached.
-    void setUserETSISubFilter(bool etsi) { etsiSubFilter_ = etsi; }
-    [[nodiscard]] bool isUserETSISubFilter() const { return etsiSubFilter_; }
+    void setUserETSISubFilter(bool etsi);
+    [[nodiscard]] bool isUserETSISubFilter() const;
 
     /// Prepares the file for signing by an appended update that is kept in memory; nothing is written to disk.
     /// @param pdfFile       path, at most 256 characters
@@ -92,22 +91,20 @@ public:
 
     /// The prepared document with the room of the value, delimiters included, cut out: exactly the bytes to sign.
     /// Owned by this object, valid until the next preparation; null before the first.
-    [[nodiscard]] const unsigned char* GetPreparedDocument() const { return prepared_.get(); }
+    [[nodiscard]] const unsigned char* GetPreparedDocument() const;
     /// Number of those bytes.
-    [[nodiscard]] std::uint32_t GetPreparedLength() const { return preparedLength_; }
+    [[nodiscard]] std::uint32_t GetPreparedLength() const;
     /// Offset at which the value's hexadecimal string goes in; the second number of /ByteRange.
-    [[nodiscard]] std::uint32_t GetContentsOffset() const { return contentsOffset_; }
+    [[nodiscard]] std::uint32_t GetContentsOffset() const;
 
 private:
-    struct FreeBytes {
+    struct VARNPDF_HIDDEN FreeBytes {
         void operator()(unsigned char* bytes) const noexcept;
     };
-    int prepare(CPdf& pdf, const varnpdf::SigningRequest& request, bool takeContent);
+    VARNPDF_HIDDEN int prepare(CPdf& pdf, const varnpdf::SigningRequest& request, bool takeContent);
 
     bool etsiSubFilter_ = true;
     std::unique_ptr<unsigned char[], FreeBytes> prepared_;
     std::uint32_t preparedLength_ = 0;
     std::uint32_t contentsOffset_ = 0;
-
-    static varnpdf::ClassLogger m_logger;
 };

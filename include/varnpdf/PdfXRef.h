@@ -7,18 +7,18 @@
 class VARNPDF_EXPORT CPdfXRefEntry {
 public:
     CPdfXRefEntry();
-    CPdfXRefEntry(const CPdfXRefEntry&) = default;
-    CPdfXRefEntry& operator=(const CPdfXRefEntry&) = default;
+    CPdfXRefEntry(const CPdfXRefEntry&);
+    CPdfXRefEntry& operator=(const CPdfXRefEntry&);
     virtual ~CPdfXRefEntry();
 
     /// Byte offset of the object in the file; for a free entry the next free object number.
-    void SetOffset(int offset) { Offset = offset; }
-    [[nodiscard]] int GetOffset() const { return Offset; }
-    void SetGenNumber(int gen) { GenNumber = gen; }
-    [[nodiscard]] int GetGenNumber() const { return GenNumber; }
+    void SetOffset(int offset);
+    [[nodiscard]] int GetOffset() const;
+    void SetGenNumber(int gen);
+    [[nodiscard]] int GetGenNumber() const;
     /// 1 for a free entry ("f"), 0 for one in use ("n").
-    void SetIsFree(int isFree) { IsFree = isFree; }
-    [[nodiscard]] int GetIsFree() const { return IsFree; }
+    void SetIsFree(int isFree);
+    [[nodiscard]] int GetIsFree() const;
     /// Makes an in-use entry of generation 0 at `pos`.
     void SetPos(int pos);
 
@@ -50,16 +50,16 @@ public:
     /// Frees the entries; RefStart and IsFree stay.
     void ClearAll();
 
-    void SetRefStart(int start) { RefStart = start; }
-    [[nodiscard]] int GetRefStart() const { return RefStart; }
-    void SetRefNum(int count) { RefNum = count; }
-    [[nodiscard]] int GetRefNum() const { return RefNum; }
+    void SetRefStart(int start);
+    [[nodiscard]] int GetRefStart() const;
+    void SetRefNum(int count);
+    [[nodiscard]] int GetRefNum() const;
     /// The entries (`GetRefNum` of them), owned by the subsection.
-    [[nodiscard]] CPdfXRefEntry* GetRefEntry() const { return RefEntry; }
+    [[nodiscard]] CPdfXRefEntry* GetRefEntry() const;
     /// Replaces the array without freeing the old one; the new one (made with new[]) becomes the subsection's.
-    void SetRefEntry(CPdfXRefEntry* entries) { RefEntry = entries; }
-    void SetIsFree(int isFree) { IsFree = isFree; }
-    [[nodiscard]] int GetIsFree() const { return IsFree; }
+    void SetRefEntry(CPdfXRefEntry* entries);
+    void SetIsFree(int isFree);
+    [[nodiscard]] int GetIsFree() const;
 
     void swap(CPdfXRef& other) noexcept;
 
@@ -82,15 +82,12 @@ public:
     void AddXRef(CPdfXRef* xref);
     /// Orders the subsections by their first object number; equal ones keep their insertion order.
     void SortXRefList();
-    [[nodiscard]] int GetXRefNum() const { return XRefNum; }
-    void SetXRefNum(int count) { XRefNum = count; }
+    [[nodiscard]] int GetXRefNum() const;
+    void SetXRefNum(int count);
     /// The subsections (`GetXRefNum` of them), owned by the container.
-    [[nodiscard]] CPdfXRef* GetXRef() const { return XRef; }
+    [[nodiscard]] CPdfXRef* GetXRef() const;
     /// Replaces the array without freeing the old one; the new one (made with new[]) becomes the container's.
-    void SetXRef(CPdfXRef* xrefs) {
-        XRef = xrefs;
-        room_ = 0;
-    }
+    void SetXRef(CPdfXRef* xrefs);
 
 private:
     int XRefNum = 0;

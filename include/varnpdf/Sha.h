@@ -12,9 +12,9 @@
 /// A message digest that is fed piece by piece.
 class VARNPDF_EXPORT IMessageDigest {
 public:
-    IMessageDigest() = default;
-    IMessageDigest(const IMessageDigest&) = default;
-    IMessageDigest& operator=(const IMessageDigest&) = default;
+    IMessageDigest();
+    IMessageDigest(const IMessageDigest&);
+    IMessageDigest& operator=(const IMessageDigest&);
     virtual ~IMessageDigest();
 
     /// Feeds `len` bytes; null or a length below 1 feeds nothing.
@@ -37,8 +37,8 @@ class VARNPDF_EXPORT CSHA : public IMessageDigest {
 public:
     /// @param type  1 SHA-256, 2 SHA-384, 3 SHA-512, anything else SHA-1
     explicit CSHA(int type);
-    CSHA(const CSHA&) = default;
-    CSHA& operator=(const CSHA&) = default;
+    CSHA(const CSHA&);
+    CSHA& operator=(const CSHA&);
     ~CSHA() override;
 
     void AddData(const char* data, int len) override;
@@ -54,24 +54,12 @@ public:
 private:
     static constexpr std::size_t kLargestBlock = 128;
 
-    [[nodiscard]] bool wide() const noexcept { return type_ >= 2; }
-    [[nodiscard]] std::size_t blockSize() const noexcept { return wide() ? kLargestBlock : kLargestBlock / 2; }
-    void countBits(std::uint64_t bytes) noexcept;
-
     int type_;
     std::size_t used_ = 0;            // bytes in the block
     std::uint64_t bits_[2] = {0, 0};  // length of the message: high and low word
     std::array<std::uint32_t, 8> narrow_{};
     std::array<std::uint64_t, 8> wide_{};
     std::array<unsigned char, kLargestBlock> block_{};
-
-    static const std::uint32_t sm_H160[5];
-    static const std::uint32_t sm_H256[8];
-    static const std::uint64_t sm_H384[8];
-    static const std::uint64_t sm_H512[8];
-    static const std::uint32_t sm_K160[4];
-    static const std::uint32_t sm_K256[64];
-    static const std::uint64_t sm_K512[80];
 };
 
 /// Base64 of `len` bytes, padded with "=", without line breaks.

@@ -14,8 +14,8 @@ public:
                         std::string location, std::string date, std::string name, std::string filter,
                         std::string subFilter, std::string byteRange, std::string contents, std::string formtag,
                         std::string cert, std::string type, std::string r, std::string contactInfo, int count);
-    cPdfSignatureFields(const cPdfSignatureFields&) = default;
-    cPdfSignatureFields& operator=(const cPdfSignatureFields&) = default;
+    cPdfSignatureFields(const cPdfSignatureFields&);
+    cPdfSignatureFields& operator=(const cPdfSignatureFields&);
     virtual ~cPdfSignatureFields();
 
     /// File name as the caller gave it.

@@ -3,6 +3,9 @@
 
 #if defined(__GNUC__)
 #define VARNPDF_EXPORT __attribute__((visibility("default")))
+/// A private member of an exported class.
+#define VARNPDF_HIDDEN __attribute__((visibility("hidden")))
 #else
 #define VARNPDF_EXPORT
+#define VARNPDF_HIDDEN
 #endif

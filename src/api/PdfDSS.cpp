@@ -41,6 +41,8 @@ int checkArguments(const char* input, const char* output, const pdf_dss_struct* 
 }  // namespace
 
 c_pdf_dss::c_pdf_dss() = default;
+c_pdf_dss::c_pdf_dss(const c_pdf_dss&) = default;
+c_pdf_dss& c_pdf_dss::operator=(const c_pdf_dss&) = default;
 
 c_pdf_dss::~c_pdf_dss() = default;
 

@@ -11,14 +11,12 @@
 #include "inspection/SignatureValue.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/result.h"
 
 using namespace varnpdf;
-
-constinit ClassLogger CPdfDoc::m_logger{"VarnPDF.CPdfDoc"};
 
 namespace {
 
@@ -96,8 +94,11 @@ int giveText(const std::string& digits, std::size_t size, int unusable, unsigned
 
 }  // namespace
 
+CPdfDoc::CPdfDoc() = default;
+CPdfDoc::~CPdfDoc() = default;
+
 int CPdfDoc::GetSignatureBlob(char const* file, int index, unsigned char* buffer, unsigned int* length) {
-    return perform(m_logger, "GetSignatureBlob", file, [=]() -> int {
+    return perform(loggers::document, "GetSignatureBlob", file, [=]() -> int {
         ByteRange range;
         std::size_t documentLength = 0;
         if (const int code = readByteRange(file, index, range, documentLength); code != VARNPDF_OK) return code;
@@ -120,7 +121,7 @@ int CPdfDoc::GetSignatureBlob(char const* file, int index, unsigned char* buffer
 }
 
 int CPdfDoc::GetSignPKCS7(char const* file, int index, unsigned char* buffer, unsigned int* length) {
-    return perform(m_logger, "GetSignPKCS7", file, [=]() -> int {
+    return perform(loggers::document, "GetSignPKCS7", file, [=]() -> int {
         if (length == nullptr) return VARNPDF_PKCS7_UNREADABLE;
         std::string digits;
         if (const int code = readRoom(file, index, VARNPDF_PKCS7_EMPTY, digits); code != VARNPDF_OK) return code;
@@ -135,7 +136,7 @@ int CPdfDoc::GetSignPKCS7(char const* file, int index, unsigned char* buffer, un
 }
 
 int CPdfDoc::GetSignPKCS1(char* file, int index, unsigned char* buffer, unsigned int* length) {
-    return perform(m_logger, "GetSignPKCS1", file, [=]() -> int {
+    return perform(loggers::document, "GetSignPKCS1", file, [=]() -> int {
         if (length == nullptr) return VARNPDF_PKCS1_UNREADABLE;
         std::string digits;
         if (const int code = readRoom(file, index, VARNPDF_PKCS1_UNREADABLE, digits); code != VARNPDF_OK) return code;
@@ -149,7 +150,7 @@ int CPdfDoc::GetSignPKCS1(char* file, int index, unsigned char* buffer, unsigned
 }
 
 int CPdfDoc::GetSignPKCS1CertNum(char* file, int index) {
-    return perform(m_logger, "GetSignPKCS1CertNum", file, [=]() -> int {
+    return perform(loggers::document, "GetSignPKCS1CertNum", file, [=]() -> int {
         std::string value;
         std::size_t documentLength = 0;
         return readValue(file, index, kCertTag, value, documentLength);
@@ -157,7 +158,7 @@ int CPdfDoc::GetSignPKCS1CertNum(char* file, int index) {
 }
 
 int CPdfDoc::GetSignPKCS1Cert(char* file, int index, int certificate, unsigned char* buffer, unsigned int& length) {
-    return perform(m_logger, "GetSignPKCS1Cert", file, [=, &length]() -> int {
+    return perform(loggers::document, "GetSignPKCS1Cert", file, [=, &length]() -> int {
         const std::size_t room = length;
         length = 0;
         if (file == nullptr || index < 0 || certificate < 0) return VARNPDF_PATH_MISSING;

@@ -41,8 +41,6 @@ void storeNumber(const varnpdf::NumberToken& number, float* f, int* i, int* isFl
 
 }  // namespace
 
-constinit varnpdf::ClassLogger CPdfHelper::m_logger{"VarnPDF.CPdfHelper"};
-
 CPdfHelper::CPdfHelper() = default;
 CPdfHelper::~CPdfHelper() = default;
 

@@ -1,6 +1,7 @@
 // The dates of CPdfHelper: faces of the inner functions.
 #include <cstring>
 
+#include "support/Loggers.h"
 #include "syntax/Dates.h"
 #include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"
@@ -50,13 +51,13 @@ char* CPdfHelper::TimeStruct2LocaleDateString(int format, struct timeb* t, char*
     return copyOut(t == nullptr ? "" : displayDate(format, *t), out);
 }
 
-bool CPdfHelper::IsValidDateString(char* s) { return isValidDate(viewOf(s), m_logger); }
+bool CPdfHelper::IsValidDateString(char* s) { return isValidDate(viewOf(s), loggers::helper); }
 
 bool CPdfHelper::CheckDatePosValue(char* s, int from, int to, int min, int max, const char* what) {
     if (from < 0 || to <= from) return false;
     const DateField field{static_cast<std::size_t>(from), static_cast<std::size_t>(to), min, max,
                           what == nullptr ? "" : what};
-    return dateFieldHolds(viewOf(s), field, m_logger);
+    return dateFieldHolds(viewOf(s), field, loggers::helper);
 }
 
 bool CPdfHelper::CheckDatePosUTValue(char* s, int from, int to) {
@@ -65,7 +66,7 @@ bool CPdfHelper::CheckDatePosUTValue(char* s, int from, int to) {
 }
 
 char* CPdfHelper::AdobeDateString2TimeStruct(char* s, struct timeb* t) {
-    const auto time = t == nullptr ? std::nullopt : timeOfPdfDate(viewOf(s), m_logger);
+    const auto time = t == nullptr ? std::nullopt : timeOfPdfDate(viewOf(s), loggers::helper);
     if (!time) return nullptr;
     *t = *time;
     thread_local char result[32];

@@ -9,15 +9,13 @@
 #include "inspection/SignatureValue.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "syntax/Reference.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/result.h"
 
 using namespace varnpdf;
-
-constinit ClassLogger CPdfInfo::m_logger{"VarnPDF.CPdfInfo"};
 
 namespace {
 
@@ -123,7 +121,7 @@ int CPdfInfo::GetSignatureField_1(std::string* text) {
 
 void CPdfInfo::OutputDebugString(char const* text) {
     guarded([=]() -> int {
-        if (text != nullptr) logDebug(m_logger, text);
+        if (text != nullptr) logDebug(loggers::info, text);
         return VARNPDF_OK;
     });
 }

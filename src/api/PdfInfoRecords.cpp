@@ -10,7 +10,7 @@
 
 #include "api/FieldReader.h"
 #include "support/Guarded.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "syntax/Text.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfInfo.h"
@@ -152,21 +152,21 @@ int CPdfInfo::GetSignatureFieldEx(std::string const& file, int index, int tag, s
         const std::optional<std::string> date = fileDate(file);
         CPdf pdf;
         if (const int code = pdf.Open(file.c_str(), "rb"); code != VARNPDF_OK) return code;
-        logDebug(m_logger, "opening pdf");
+        logDebug(loggers::info, "opening pdf");
         const int count = pdf.PdfGetNumSignatures();
-        logDebug(m_logger, "num signatures: ", count);
-        logDebug(m_logger, "pdf content len: ", pdf.GetContentLen());
-        Values values = readValues(pdf, index, m_logger);
-        logDebug(m_logger, "after deleting temp buffers");
+        logDebug(loggers::info, "num signatures: ", count);
+        logDebug(loggers::info, "pdf content len: ", pdf.GetContentLen());
+        Values values = readValues(pdf, index, loggers::info);
+        logDebug(loggers::info, "after deleting temp buffers");
         makeRoom(records);
-        logDebug(m_logger, "create cPdfSignatureFields object");
+        logDebug(loggers::info, "create cPdfSignatureFields object");
         auto record = makeRecord(file, date.value_or(""), index, values, count);
         std::string value = valueOf(*record, tag);
         keep(records, std::move(record));
         pdf.Close();
-        logDebug(m_logger, "closing pdf");
+        logDebug(loggers::info, "closing pdf");
         if (result != nullptr) *result = std::move(value);
-        logDebug(m_logger, "GetSignatureFieldEx END regulaer");
+        logDebug(loggers::info, "GetSignatureFieldEx END regulaer");
         return VARNPDF_OK;
     });
 }

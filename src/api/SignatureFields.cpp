@@ -26,6 +26,8 @@ cPdfSignatureFields::cPdfSignatureFields(std::string pdfName, std::string pdfFil
       szSigInfo_ContactInfo(std::move(contactInfo)),
       sigCount(count) {}
 
+cPdfSignatureFields::cPdfSignatureFields(const cPdfSignatureFields&) = default;
+cPdfSignatureFields& cPdfSignatureFields::operator=(const cPdfSignatureFields&) = default;
 cPdfSignatureFields::~cPdfSignatureFields() = default;
 
 std::string cPdfSignatureFields::Get_szPdfName() const { return szPdfName; }

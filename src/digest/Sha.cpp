@@ -5,6 +5,10 @@
 #include <bit>
 #include <cstring>
 
+#include "digest/ShaConstants.h"
+
+using namespace varnpdf::sha;
+
 namespace {
 
 /// Rotations and shifts of the functions of SHA-256 and of SHA-384/512 (FIPS 180-4 4.1.2, 4.1.3).
@@ -134,12 +138,28 @@ void compressSha1(std::array<std::uint32_t, 8>& chain, const unsigned char* bloc
     for (std::size_t i = 0; i < variables.size(); ++i) chain[i] += variables[i];
 }
 
+bool isWide(int type) { return type >= 2; }
+
+std::size_t blockSize(int type) { return isWide(type) ? 128 : 64; }
+
+// Adds to the length of the message in bits, high and low word.
+void countBits(std::uint64_t (&bits)[2], std::uint64_t bytes) {
+    const std::uint64_t before = bits[1];
+    bits[1] += bytes << 3U;
+    bits[0] += (bytes >> 61U) + (bits[1] < before ? 1 : 0);
+}
+
 }  // namespace
 
+IMessageDigest::IMessageDigest() = default;
+IMessageDigest::IMessageDigest(const IMessageDigest&) = default;
+IMessageDigest& IMessageDigest::operator=(const IMessageDigest&) = default;
 IMessageDigest::~IMessageDigest() = default;
 
 CSHA::CSHA(int type) : type_(type < 0 || type > 3 ? 0 : type) { CSHA::Reset(); }
 
+CSHA::CSHA(const CSHA&) = default;
+CSHA& CSHA::operator=(const CSHA&) = default;
 CSHA::~CSHA() = default;
 
 void CSHA::Reset() {
@@ -147,47 +167,41 @@ void CSHA::Reset() {
     bits_[0] = bits_[1] = 0;
     switch (type_) {
         case 1:
-            std::copy(std::begin(sm_H256), std::end(sm_H256), narrow_.begin());
+            std::copy(std::begin(kH256), std::end(kH256), narrow_.begin());
             break;
         case 2:
-            std::copy(std::begin(sm_H384), std::end(sm_H384), wide_.begin());
+            std::copy(std::begin(kH384), std::end(kH384), wide_.begin());
             break;
         case 3:
-            std::copy(std::begin(sm_H512), std::end(sm_H512), wide_.begin());
+            std::copy(std::begin(kH512), std::end(kH512), wide_.begin());
             break;
         default:
-            std::copy(std::begin(sm_H160), std::end(sm_H160), narrow_.begin());
+            std::copy(std::begin(kH160), std::end(kH160), narrow_.begin());
             break;
     }
 }
 
 void CSHA::Transform() {
-    if (wide()) {
-        compressSha2<Sha512>(wide_, block_.data(), sm_K512);
+    if (isWide(type_)) {
+        compressSha2<Sha512>(wide_, block_.data(), kK512);
     } else if (type_ == 1) {
-        compressSha2<Sha256>(narrow_, block_.data(), sm_K256);
+        compressSha2<Sha256>(narrow_, block_.data(), kK256);
     } else {
-        compressSha1(narrow_, block_.data(), sm_K160);
+        compressSha1(narrow_, block_.data(), kK160);
     }
-}
-
-void CSHA::countBits(std::uint64_t bytes) noexcept {
-    const std::uint64_t before = bits_[1];
-    bits_[1] += bytes << 3U;
-    bits_[0] += (bytes >> 61U) + (bits_[1] < before ? 1 : 0);
 }
 
 void CSHA::AddData(const char* data, int len) {
     if (data == nullptr || len < 1) return;
     auto left = static_cast<std::size_t>(len);
-    countBits(left);
+    countBits(bits_, left);
     while (left > 0) {
-        const std::size_t taken = std::min(left, blockSize() - used_);
+        const std::size_t taken = std::min(left, blockSize(type_) - used_);
         std::memcpy(block_.data() + used_, data, taken);
         data += taken;
         left -= taken;
         used_ += taken;
-        if (used_ < blockSize()) return;
+        if (used_ < blockSize(type_)) return;
         Transform();
         used_ = 0;
     }
@@ -195,22 +209,22 @@ void CSHA::AddData(const char* data, int len) {
 
 void CSHA::FinalDigest(char* out) {
     constexpr unsigned char kEndOfMessage = 0x80;
-    const std::size_t lengthRoom = wide() ? 16 : 8;
+    const std::size_t lengthRoom = isWide(type_) ? 16 : 8;
     block_[used_++] = kEndOfMessage;
-    if (used_ > blockSize() - lengthRoom) {
+    if (used_ > blockSize(type_) - lengthRoom) {
         std::fill(block_.begin() + static_cast<std::ptrdiff_t>(used_), block_.end(), static_cast<unsigned char>(0));
         Transform();
         used_ = 0;
     }
     std::fill(block_.begin() + static_cast<std::ptrdiff_t>(used_), block_.end(), static_cast<unsigned char>(0));
-    if (wide()) storeBig(block_.data() + blockSize() - 16, bits_[0]);
-    storeBig(block_.data() + blockSize() - 8, bits_[1]);
+    if (isWide(type_)) storeBig(block_.data() + blockSize(type_) - 16, bits_[0]);
+    storeBig(block_.data() + blockSize(type_) - 8, bits_[1]);
     Transform();
 
     constexpr std::size_t kDigestBytes[] = {20, 32, 48, 64};
     std::array<unsigned char, 64> digest{};
     for (std::size_t i = 0; i < 8; ++i) {
-        if (wide()) {
+        if (isWide(type_)) {
             storeBig(digest.data() + 8 * i, wide_[i]);
         } else {
             storeBig(digest.data() + 4 * i, narrow_[i]);

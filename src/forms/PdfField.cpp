@@ -5,7 +5,7 @@
 #include "forms/FieldValue.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "support/StagedFile.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Encoding.h"
@@ -15,8 +15,6 @@
 
 using namespace varnpdf;
 
-constinit ClassLogger CPdfFieldContainer::m_logger{"VarnPDF.CPdfFieldContainer"};
-
 namespace {
 
 constexpr int kLine = 255;  // characters of a line that is read at once, terminator included
@@ -24,6 +22,8 @@ constexpr int kLine = 255;  // characters of a line that is read at once, termin
 struct FileCloser {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
+
+const char* textOf(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
 
 void store(std::optional<std::string>& target, const char* text) {
     target.reset();
@@ -47,6 +47,25 @@ CPdfField::CPdfField(int isNew) : isNew_(isNew) {}
 CPdfField::CPdfField(CPdfObj* obj, int isNew) : isNew_(isNew) { SetOrgObj(obj); }
 
 CPdfField::~CPdfField() = default;
+
+CPdfObj* CPdfField::GetOrgObj() { return &orgObj_; }
+int CPdfField::GetAppearanceCount() const { return appearanceCount_; }
+void CPdfField::SetAppearanceCount(int count) { appearanceCount_ = count; }
+const char* CPdfField::GetTag() const { return textOf(tag_); }
+const char* CPdfField::GetOrgValue() const { return textOf(orgValue_); }
+const char* CPdfField::GetNewValue() const { return textOf(newValue_); }
+const char* CPdfField::GetAppearanceLink() const { return textOf(appearanceLink_); }
+CFontObj* CPdfField::GetFont() const { return font_; }
+void CPdfField::SetFont(CFontObj* font) { font_ = font; }
+int CPdfField::GetIsNew() const { return isNew_; }
+void CPdfField::SetIsNew(int isNew) { isNew_ = isNew; }
+std::string_view CPdfField::orgValue() const { return orgValue_ ? std::string_view(*orgValue_) : std::string_view{}; }
+void CPdfField::setOrgValue(std::string_view text) { orgValue_ = text; }
+void CPdfField::setTag(std::string_view text) { tag_ = text; }
+void CPdfField::setAppearanceLink(std::string_view text) { appearanceLink_ = text; }
+std::string_view CPdfField::appearanceLink() const {
+    return appearanceLink_ ? std::string_view(*appearanceLink_) : std::string_view{};
+}
 
 CPdfField& CPdfField::operator=(CPdfField& other) {
     CopyFrom(&other);
@@ -112,6 +131,9 @@ CPdfFieldContainer::CPdfFieldContainer() = default;
 
 CPdfFieldContainer::~CPdfFieldContainer() = default;
 
+int CPdfFieldContainer::GetFieldNum() const { return static_cast<int>(fields_.size()); }
+CPdfFontContainer* CPdfFieldContainer::GetFontContainer() { return fonts_.get(); }
+
 void CPdfFieldContainer::AddField(CPdfField* field) {
     if (field == nullptr) return;
     fields_.push_back(std::make_unique<CPdfField>(0));
@@ -140,13 +162,13 @@ void CPdfFieldContainer::PutNewValuesToFields() {
         }
         return VARNPDF_OK;
     });
-    if (code != VARNPDF_OK) logError(m_logger, "PutNewValuesToFields: kein Speicher");
+    if (code != VARNPDF_OK) logError(loggers::fields, "PutNewValuesToFields: kein Speicher");
 }
 
 int CPdfFieldContainer::ReadNewValuesFromIniFile(const char* path) {
     const std::unique_ptr<std::FILE, FileCloser> file(path == nullptr ? nullptr : std::fopen(path, "r"));
     if (!file) {
-        logError(m_logger, "ReadNewValuesFromIniFile: ", path == nullptr ? "" : path);
+        logError(loggers::fields, "ReadNewValuesFromIniFile: ", path == nullptr ? "" : path);
         return -1;
     }
     char buffer[kLine];
@@ -191,5 +213,5 @@ void CPdfFieldContainer::DumpFieldsToFile(const char* path) {
         if (file.isOpen()) file.write(dump());
         return file.isOpen() && file.commit() ? VARNPDF_OK : -1;
     });
-    if (code != VARNPDF_OK) logError(m_logger, "DumpFieldsToFile: ", path);
+    if (code != VARNPDF_OK) logError(loggers::fields, "DumpFieldsToFile: ", path);
 }

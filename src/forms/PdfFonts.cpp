@@ -37,7 +37,15 @@ std::optional<CFontObj> fontOf(std::string_view piece) {
 
 }  // namespace
 
+CFontObj::CFontObj() = default;
+CFontObj::CFontObj(const CFontObj&) = default;
+CFontObj& CFontObj::operator=(const CFontObj&) = default;
 CFontObj::~CFontObj() = default;
+
+const char* CFontObj::GetShortName() const { return shortName_.c_str(); }
+void CFontObj::SetShortName(const char* name) { shortName_ = name == nullptr ? "" : name; }
+const char* CFontObj::GetRefNum() const { return refNum_.c_str(); }
+void CFontObj::SetRefNum(const char* reference) { refNum_ = reference == nullptr ? "" : reference; }
 
 void CFontObj::CopyFrom(CFontObj* other) {
     if (other != nullptr) *this = static_cast<const CFontObj&>(*other);
@@ -48,7 +56,11 @@ CFontObj& CFontObj::operator=(CFontObj& other) {
     return *this;
 }
 
+CPdfFontContainer::CPdfFontContainer() = default;
 CPdfFontContainer::~CPdfFontContainer() = default;
+
+int CPdfFontContainer::GetFontNum() const { return static_cast<int>(fonts_.size()); }
+CFontObj* CPdfFontContainer::GetFontObj() { return fonts_.empty() ? nullptr : fonts_.data(); }
 
 void CPdfFontContainer::AddFont(CFontObj* font) {
     const std::unique_ptr<CFontObj> taken(font);
@@ -71,6 +83,7 @@ void CPdfFontContainer::SetDefaultFont(CFontObj* font) {
     }
 }
 
+CAcroFormObj::CAcroFormObj() = default;
 CAcroFormObj::~CAcroFormObj() = default;
 
 int CAcroFormObj::ReadKey(const char* key, char* out) {

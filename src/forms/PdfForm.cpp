@@ -6,15 +6,13 @@
 
 #include "forms/FormTree.h"
 #include "forms/FormUpdate.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "syntax/Encoding.h"
 #include "syntax/Lexer.h"
 #include "syntax/Values.h"
 #include "varnpdf/result.h"
 
 using namespace varnpdf;
-
-constinit ClassLogger CPdfForm::m_logger{"VarnPDF.CPdfForm"};
 
 struct varnpdf::FormState {
     explicit FormState(CPdf& document) : pdf(document), tree(document), update(document, tree) {
@@ -71,11 +69,11 @@ CPdfForm::CPdfForm(CPdf* pdf) {
     try {
         state_ = std::make_unique<FormState>(*pdf);
     } catch (...) {
-        logError(m_logger, "CPdfForm: kein Speicher");
+        logError(loggers::form, "CPdfForm: kein Speicher");
         return;
     }
     const int omitted = state_->tree.omitted();
-    if (omitted > 0) logError(m_logger, "Felder mit zu langen Namen ausgelassen: ", omitted);
+    if (omitted > 0) logError(loggers::form, "Felder mit zu langen Namen ausgelassen: ", omitted);
 }
 
 CPdfForm::~CPdfForm() = default;
@@ -100,7 +98,7 @@ const char* CPdfForm::GetValue(int index) {
     try {
         state_->text = shownValue(field->attributes.value, state_->tree).value_or("");
     } catch (...) {
-        logError(m_logger, "GetValue: kein Speicher");
+        logError(loggers::form, "GetValue: kein Speicher");
         state_->text.clear();
     }
     return state_->text.c_str();
@@ -138,7 +136,7 @@ int CPdfForm::GetLocked(int index) {
     try {
         return state_->pdf.get_lockstate() == 1 || state_->tree.isLocked(field->name) ? 1 : 0;
     } catch (...) {
-        logError(m_logger, "GetLocked: kein Speicher");
+        logError(loggers::form, "GetLocked: kein Speicher");
         return 1;  // what is not known to be free is not to be changed
     }
 }

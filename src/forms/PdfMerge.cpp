@@ -7,7 +7,7 @@
 
 #include "forms/FormTree.h"
 #include "forms/FormUpdate.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Encoding.h"
 #include "varnpdf/PdfDoc.h"
@@ -57,12 +57,12 @@ void putValues(CPdf& doc, CPdfFieldContainer& container) {
 
 int CPdfDoc::MergePKCS7PDF(CPdf* doc, char* authority, char* date) {
     try {
-        logDebug(m_logger, "### MergePKCS7PDF START");
+        logDebug(loggers::document, "### MergePKCS7PDF START");
         const std::string day = dayMonthYear(date == nullptr ? "" : date);
         const std::unique_ptr<CPdfFieldContainer> container(doc == nullptr ? nullptr : doc->ReadFields());
         if (doc != nullptr && !container) throw std::bad_alloc();
         if (!container || container->GetFieldNum() == 0) {
-            logDebug(m_logger, "### MergePKCS7PDF ABBRUCH (keine Felder)");
+            logDebug(loggers::document, "### MergePKCS7PDF ABBRUCH (keine Felder)");
             return VARNPDF_NO_FORM_FIELDS;
         }
         for (int i = 0; i < container->GetFieldNum(); ++i) {
@@ -73,10 +73,10 @@ int CPdfDoc::MergePKCS7PDF(CPdf* doc, char* authority, char* date) {
         }
         container->CheckAllForChanges();
         putValues(*doc, *container);
-        logDebug(m_logger, "### MergePKCS7PDF ENDE");
+        logDebug(loggers::document, "### MergePKCS7PDF ENDE");
         return VARNPDF_OK;
     } catch (...) {
-        logError(m_logger, "### MergePKCS7PDF ABBRUCH");
+        logError(loggers::document, "### MergePKCS7PDF ABBRUCH");
         return VARNPDF_PDF_MEMORY_ALLOCATION;
     }
 }

@@ -17,6 +17,14 @@ CByteStream::CByteStream()
 
 CByteStream::~CByteStream() = default;
 
+unsigned char* CByteStream::data() { return data_.get(); }
+const unsigned char* CByteStream::data() const { return data_.get(); }
+unsigned int CByteStream::tell() const { return size_; }
+void CByteStream::setseek(unsigned int n) { size_ = n; }
+void CByteStream::setoldcontentsize(unsigned int n) { oldContentSize_ = n; }
+unsigned int CByteStream::getoldcontentsize() const { return oldContentSize_; }
+unsigned int CByteStream::capacity() const { return capacity_; }
+
 void CByteStream::init(unsigned int oldSize) {
     data_ = std::make_unique_for_overwrite<unsigned char[]>(kHeadroom);
     size_ = 0;

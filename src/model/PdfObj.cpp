@@ -5,11 +5,9 @@
 #include <cstring>
 
 #include "model/DictionaryEntry.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 
 using namespace varnpdf;
-
-constinit ClassLogger CPdfObj::m_logger{"VarnPDF.CPdfObj"};
 
 namespace {
 
@@ -33,6 +31,32 @@ CPdfObj::CPdfObj(int objNum, int genNum, int fromPos, int toPos)
     : objNum_(objNum), genNum_(genNum), fromPos_(fromPos), toPos_(toPos) {}
 
 CPdfObj::~CPdfObj() = default;
+
+int CPdfObj::GetObjNum() const { return objNum_; }
+void CPdfObj::SetObjNum(int n) { objNum_ = n; }
+int CPdfObj::GetGenNumber() const { return genNum_; }
+void CPdfObj::SetGenNumber(int n) { genNum_ = n; }
+int CPdfObj::GetFromPos() const { return fromPos_; }
+void CPdfObj::SetFromPos(int pos) { fromPos_ = pos; }
+int CPdfObj::GetToPos() const { return toPos_; }
+void CPdfObj::SetToPos(int pos) { toPos_ = pos; }
+int CPdfObj::GetContentLen() const { return contentLen_; }
+bool CPdfObj::GetStatus() const { return status_; }
+void CPdfObj::SetStatus(bool status) { status_ = status; }
+CPdfObj::ContentType CPdfObj::GetObjectType() const { return objectType_; }
+void CPdfObj::SetObjectType(ContentType type) { objectType_ = type; }
+bool CPdfObj::GetIsCompressed() const { return isCompressed_; }
+void CPdfObj::SetIsCompressed(bool compressed) { isCompressed_ = compressed; }
+int CPdfObj::GetCompressStreamObjNr() const { return streamObjNr_; }
+void CPdfObj::SetCompressStreamObjNr(int n) { streamObjNr_ = n; }
+int CPdfObj::GetPositioninStreamArray() const { return positionInStream_; }
+void CPdfObj::SetPositioninStreamArray(int n) { positionInStream_ = n; }
+bool CPdfObj::IsInUse() const { return inUseKeyword_ == 'n'; }
+bool CPdfObj::GetbHasDecodeParms_Colums() const { return hasColumns_; }
+bool CPdfObj::GetbHasDecodeParms_Predictor() const { return hasPredictor_; }
+long CPdfObj::GetiDecodeParms_Colums() const { return columns_; }
+long CPdfObj::GetiDecodeParms_Predictor() const { return predictor_; }
+void CPdfObj::reportChangesTo(std::uint64_t* revision) noexcept { revision_ = revision; }
 
 void CPdfObj::Init() {
     objectType_ = eContentUndefined;
@@ -129,12 +153,12 @@ void CPdfObj::SetContent(unsigned char* text, int len) {
         setContent(none ? std::string_view{}
                         : std::string_view(reinterpret_cast<const char*>(text), static_cast<std::size_t>(len)));
     } catch (...) {
-        logError(m_logger, "SetContent: kein Speicher, Laenge: ", len);
+        logError(loggers::object, "SetContent: kein Speicher, Laenge: ", len);
     }
 }
 
 void CPdfObj::SetContentDummy(unsigned char* text, int len) {
-    logDebug(m_logger, "SetContent Laenge: ", len);
+    logDebug(loggers::object, "SetContent Laenge: ", len);
     SetContent(text, len);
 }
 
@@ -216,3 +240,9 @@ void CPdfObj::changed() noexcept {
     entriesKnown_ = false;
     if (revision_ != nullptr) ++*revision_;
 }
+
+CPdfObjTransferListItem::CPdfObjTransferListItem(int oldNr, int newNr) : oldNr_(oldNr), newNr_(newNr) {}
+int CPdfObjTransferListItem::getOldObjNr() const { return oldNr_; }
+int CPdfObjTransferListItem::getNewObjNr() const { return newNr_; }
+void CPdfObjTransferListItem::setOldObjNr(int n) { oldNr_ = n; }
+void CPdfObjTransferListItem::setNewObjNr(int n) { newNr_ = n; }

@@ -1,7 +1,7 @@
 // Operations on an object's text other than dictionary entries: streams, references, classification.
 #include <cstring>
 
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "syntax/Cursor.h"
 #include "syntax/Text.h"
 #include "varnpdf/PdfObj.h"
@@ -145,9 +145,9 @@ bool FindEndObjinNext(char* buf, int len) {
 bool CPdfObj::FindEndObjinNext(char* buf, int len) { return ::FindEndObjinNext(buf, len); }
 
 CPdfObj::ContentType CPdfObj::check_object_type(char* text, int len) {
-    logDebug(m_logger, "check_object_type");
+    logDebug(loggers::object, "check_object_type");
     if (text == nullptr || len < 1) return eContentUnknown;
-    Classifier classifier(std::string_view(text, static_cast<std::size_t>(len)), m_logger);
+    Classifier classifier(std::string_view(text, static_cast<std::size_t>(len)), loggers::object);
     return classifier.isArray() ? eContentArray : eContentUnknown;
 }
 

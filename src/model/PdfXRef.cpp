@@ -9,6 +9,15 @@
 CPdfXRefEntry::CPdfXRefEntry() = default;
 CPdfXRefEntry::~CPdfXRefEntry() = default;
 
+CPdfXRefEntry::CPdfXRefEntry(const CPdfXRefEntry&) = default;
+CPdfXRefEntry& CPdfXRefEntry::operator=(const CPdfXRefEntry&) = default;
+void CPdfXRefEntry::SetOffset(int offset) { Offset = offset; }
+int CPdfXRefEntry::GetOffset() const { return Offset; }
+void CPdfXRefEntry::SetGenNumber(int gen) { GenNumber = gen; }
+int CPdfXRefEntry::GetGenNumber() const { return GenNumber; }
+void CPdfXRefEntry::SetIsFree(int isFree) { IsFree = isFree; }
+int CPdfXRefEntry::GetIsFree() const { return IsFree; }
+
 void CPdfXRefEntry::SetPos(int pos) {
     IsFree = 0;
     Offset = pos;
@@ -24,6 +33,15 @@ CPdfXRef::CPdfXRef(CPdfXRef* other) { CopyFrom(other); }
 CPdfXRef::CPdfXRef(const CPdfXRef& other) { CopyFrom(const_cast<CPdfXRef*>(&other)); }
 
 CPdfXRef::~CPdfXRef() { ClearAll(); }
+
+void CPdfXRef::SetRefStart(int start) { RefStart = start; }
+int CPdfXRef::GetRefStart() const { return RefStart; }
+void CPdfXRef::SetRefNum(int count) { RefNum = count; }
+int CPdfXRef::GetRefNum() const { return RefNum; }
+CPdfXRefEntry* CPdfXRef::GetRefEntry() const { return RefEntry; }
+void CPdfXRef::SetRefEntry(CPdfXRefEntry* entries) { RefEntry = entries; }
+void CPdfXRef::SetIsFree(int isFree) { IsFree = isFree; }
+int CPdfXRef::GetIsFree() const { return IsFree; }
 
 CPdfXRef& CPdfXRef::operator=(CPdfXRef& other) {
     CopyFrom(&other);
@@ -75,6 +93,14 @@ void CPdfXRef::ClearAll() {
 CPdfXRefContainer::CPdfXRefContainer() = default;
 
 CPdfXRefContainer::~CPdfXRefContainer() { delete[] XRef; }
+
+int CPdfXRefContainer::GetXRefNum() const { return XRefNum; }
+void CPdfXRefContainer::SetXRefNum(int count) { XRefNum = count; }
+CPdfXRef* CPdfXRefContainer::GetXRef() const { return XRef; }
+void CPdfXRefContainer::SetXRef(CPdfXRef* xrefs) {
+    XRef = xrefs;
+    room_ = 0;
+}
 
 void CPdfXRefContainer::AddXRef(CPdfXRef* xref) {
     if (xref == nullptr) return;

@@ -11,7 +11,7 @@
 #include "portfolio/NameTreeUpdate.h"
 #include "portfolio/Streams.h"
 #include "support/Limits.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "support/StagedFile.h"
 #include "support/Text.h"
 #include "syntax/CharClass.h"
@@ -22,8 +22,6 @@
 #include "writer/SectionTexts.h"
 
 using namespace varnpdf;
-
-constinit ClassLogger CPdfAttach::m_logger{"VarnPDF.CPdfAttach"};
 
 namespace {
 
@@ -206,21 +204,21 @@ CPdfAttach::CPdfAttach() = default;
 CPdfAttach::~CPdfAttach() = default;
 
 int CPdfAttach::AttachFileToPDF(unsigned char* pdfPath, unsigned char* filePath, int /*reserved*/) {
-    logDebug(m_logger, "### AttachFileToPDF START");
+    logDebug(loggers::attach, "### AttachFileToPDF START");
     if (pdfPath == nullptr || filePath == nullptr) return VARNPDF_PATH_MISSING;
     const auto* const document = reinterpret_cast<const char*>(pdfPath);
     const auto* const file = reinterpret_cast<const char*>(filePath);
     if (strnlen(document, kPath) == kPath || strnlen(file, kPath) == kPath) return VARNPDF_FILE_NAME_TOO_LONG;
     int code = VARNPDF_OK;
     try {
-        code = Attachment(document, file, m_logger).run();
+        code = Attachment(document, file, loggers::attach).run();
     } catch (...) {
         code = VARNPDF_PDF_MEMORY_ALLOCATION;
     }
     if (code == VARNPDF_OK) {
-        logDebug(m_logger, "### AttachFileToPDF ENDE");
+        logDebug(loggers::attach, "### AttachFileToPDF ENDE");
     } else {
-        logError(m_logger, "### AttachFileToPDF ABBRUCH: ", code);
+        logError(loggers::attach, "### AttachFileToPDF ABBRUCH: ", code);
     }
     return code;
 }

@@ -5,11 +5,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "portfolio/CollectionBuilder.h"
 #include "portfolio/EmbeddedFile.h"
 #include "portfolio/ObjectCopier.h"
-#include "support/Log.h"
+#include "support/Loggers.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
@@ -17,8 +18,6 @@
 #include "varnpdf/result.h"
 
 using namespace varnpdf;
-
-constinit ClassLogger CPdfCollection::m_logger{"VarnPDF.CPdfCollection"};
 
 namespace {
 
@@ -67,22 +66,40 @@ int checkItems(const char* path, const Items& items, const ClassLogger& logger) 
 
 }  // namespace
 
+CPdfCollectionListItem::CPdfCollectionListItem(std::string fileName, int fileType, bool activePage,
+                                               std::string description)
+    : fileName_(std::move(fileName)),
+      fileType_(fileType),
+      activePage_(activePage),
+      description_(std::move(description)) {}
+
+CPdfCollectionListItem::CPdfCollectionListItem(const CPdfCollectionListItem&) = default;
+CPdfCollectionListItem& CPdfCollectionListItem::operator=(const CPdfCollectionListItem&) = default;
+CPdfCollectionListItem::~CPdfCollectionListItem() = default;
+
+std::string CPdfCollectionListItem::getFileName() const { return fileName_; }
+void CPdfCollectionListItem::setFileName(std::string fileName) { fileName_ = std::move(fileName); }
+int CPdfCollectionListItem::getFileType() const { return fileType_; }
+bool CPdfCollectionListItem::getIsActivePage() const { return activePage_; }
+std::string CPdfCollectionListItem::getDescription() const { return description_; }
+void CPdfCollectionListItem::setDescription(std::string description) { description_ = std::move(description); }
+
 CPdfCollection::CPdfCollection() = default;
 CPdfCollection::~CPdfCollection() = default;
 
 int CPdfCollection::CreateCollection(char* path, std::list<CPdfCollectionListItem*> items) {
-    logDebug(m_logger, "CreateCollection START");
+    logDebug(loggers::collection, "CreateCollection START");
     int code = VARNPDF_OK;
     try {
-        code = checkItems(path, items, m_logger);
-        if (code == VARNPDF_OK) code = CollectionBuilder(*this, items, m_logger).run(path);
+        code = checkItems(path, items, loggers::collection);
+        if (code == VARNPDF_OK) code = CollectionBuilder(*this, items, loggers::collection).run(path);
     } catch (...) {
         code = VARNPDF_COLLECTION_NOT_WRITTEN;
     }
     if (code != VARNPDF_OK) {
-        logError(m_logger, "CreateCollection ABBRUCH: ", code);
+        logError(loggers::collection, "CreateCollection ABBRUCH: ", code);
     } else {
-        logDebug(m_logger, "CreateCollection ENDE");
+        logDebug(loggers::collection, "CreateCollection ENDE");
     }
     return code;
 }
@@ -90,7 +107,7 @@ int CPdfCollection::CreateCollection(char* path, std::list<CPdfCollectionListIte
 int CPdfCollection::CopyOldObjToNew(int objectNumber, CPdf* source, CPdf* target) {
     if (source == nullptr || target == nullptr) return VARNPDF_UPDATE_OBJECT_MISSING;
     try {
-        const int copy = ObjectCopier(*source, *target, m_logger).copy(objectNumber);
+        const int copy = ObjectCopier(*source, *target, loggers::collection).copy(objectNumber);
         return copy > 0 ? copy : VARNPDF_UPDATE_OBJECT_MISSING;
     } catch (...) {
         return VARNPDF_PDF_MEMORY_ALLOCATION;

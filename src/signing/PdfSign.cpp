@@ -7,9 +7,9 @@
 #include <new>
 #include <string>
 
+#include "api/PdfState.h"
 #include "signing/Preparation.h"
 #include "support/Guarded.h"
-#include "api/PdfState.h"
 #include "support/Loggers.h"
 #include "support/StagedFile.h"
 #include "varnpdf/result.h"
@@ -38,6 +38,12 @@ void CPdfSign::FreeBytes::operator()(unsigned char* bytes) const noexcept { std:
 
 CPdfSign::CPdfSign() = default;
 CPdfSign::~CPdfSign() = default;
+
+void CPdfSign::setUserETSISubFilter(bool etsi) { etsiSubFilter_ = etsi; }
+bool CPdfSign::isUserETSISubFilter() const { return etsiSubFilter_; }
+const unsigned char* CPdfSign::GetPreparedDocument() const { return prepared_.get(); }
+std::uint32_t CPdfSign::GetPreparedLength() const { return preparedLength_; }
+std::uint32_t CPdfSign::GetContentsOffset() const { return contentsOffset_; }
 
 int CPdfSign::SignPDFFile(char* pdfFile, int page, int posMode, int x, int y, int width, int height,
                           int appearanceOption1, char* reason, char* location, char* name, char* signDate,

@@ -1,32 +1,36 @@
 // The constants of SHA-1 and SHA-2 (FIPS 180-4 4.2, 5.3).
-#include "varnpdf/Sha.h"
+#pragma once
 
-const std::uint32_t CSHA::sm_H160[5] = {
+#include <cstdint>
+
+namespace varnpdf::sha {
+
+inline constexpr std::uint32_t kH160[5] = {
     0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476, 0xc3d2e1f0,
 };
 
-const std::uint32_t CSHA::sm_H256[8] = {
+inline constexpr std::uint32_t kH256[8] = {
     0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a, 0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19,
 };
 
-const std::uint64_t CSHA::sm_H384[8] = {
+inline constexpr std::uint64_t kH384[8] = {
     0xcbbb9d5dc1059ed8, 0x629a292a367cd507, 0x9159015a3070dd17, 0x152fecd8f70e5939,
     0x67332667ffc00b31, 0x8eb44a8768581511, 0xdb0c2e0d64f98fa7, 0x47b5481dbefa4fa4,
 };
 
-const std::uint64_t CSHA::sm_H512[8] = {
+inline constexpr std::uint64_t kH512[8] = {
     0x6a09e667f3bcc908, 0xbb67ae8584caa73b, 0x3c6ef372fe94f82b, 0xa54ff53a5f1d36f1,
     0x510e527fade682d1, 0x9b05688c2b3e6c1f, 0x1f83d9abfb41bd6b, 0x5be0cd19137e2179,
 };
 
-const std::uint32_t CSHA::sm_K160[4] = {
+inline constexpr std::uint32_t kK160[4] = {
     0x5a827999,
     0x6ed9eba1,
     0x8f1bbcdc,
     0xca62c1d6,
 };
 
-const std::uint32_t CSHA::sm_K256[64] = {
+inline constexpr std::uint32_t kK256[64] = {
     0x428a2f98, 0x71374491, 0xb5c0fbcf, 0xe9b5dba5, 0x3956c25b, 0x59f111f1, 0x923f82a4, 0xab1c5ed5,
     0xd807aa98, 0x12835b01, 0x243185be, 0x550c7dc3, 0x72be5d74, 0x80deb1fe, 0x9bdc06a7, 0xc19bf174,
     0xe49b69c1, 0xefbe4786, 0x0fc19dc6, 0x240ca1cc, 0x2de92c6f, 0x4a7484aa, 0x5cb0a9dc, 0x76f988da,
@@ -37,7 +41,7 @@ const std::uint32_t CSHA::sm_K256[64] = {
     0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2,
 };
 
-const std::uint64_t CSHA::sm_K512[80] = {
+inline constexpr std::uint64_t kK512[80] = {
     0x428a2f98d728ae22, 0x7137449123ef65cd, 0xb5c0fbcfec4d3b2f, 0xe9b5dba58189dbbc, 0x3956c25bf348b538,
     0x59f111f1b605d019, 0x923f82a4af194f9b, 0xab1c5ed5da6d8118, 0xd807aa98a3030242, 0x12835b0145706fbe,
     0x243185be4ee4b28c, 0x550c7dc3d5ffb4e2, 0x72be5d74f27b896f, 0x80deb1fe3b1696b1, 0x9bdc06a725c71235,
@@ -55,3 +59,5 @@ const std::uint64_t CSHA::sm_K512[80] = {
     0x113f9804bef90dae, 0x1b710b35131c471b, 0x28db77f523047d84, 0x32caab7b40c72493, 0x3c9ebe0a15c9bebc,
     0x431d67c49c100d4c, 0x4cc5d4becb3e42b6, 0x597f299cfc657e2a, 0x5fcb6fab3ad6faec, 0x6c44198c4a475817,
 };
+
+}  // namespace varnpdf::sha
