@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "varnpdf/ByteStream.h"
-#include "varnpdf/ClassLogger.h"
 #include "varnpdf/PdfObj.h"
 #include "varnpdf/PdfSigInfo.h"
 #include "varnpdf/PdfTrailer.h"

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "varnpdf/ClassLogger.h"
+#include "support/ClassLogger.h"
 
 namespace log4cxx {
 class Logger;

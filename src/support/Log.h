@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "support/ClassLogger.h"
 #include "support/Text.h"
-#include "varnpdf/ClassLogger.h"
 
 namespace varnpdf {
 
