@@ -1,5 +1,4 @@
 // varnpdf attach: files embedded into a document.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
@@ -73,12 +72,12 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addAttach(CLI::App& program) {
+cli::Command cli::addAttach(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("attach", "Embeds files into a document");
-    parser->add_option("FILE", options->file, "PDF file")->required()->option_text(" ");
-    parser->add_option("ATTACHMENT", options->attachments, "Files to embed")->required()->option_text("...");
-    parser->add_option("-o,--output", options->out, "File to write; without it FILE is changed")->option_text("OUT");
-    parser->footer(kFooter);
+    const Parser parser = program.command("attach", "Embeds files into a document");
+    parser.option("FILE", options->file, "PDF file").required().shownAs(" ");
+    parser.option("ATTACHMENT", options->attachments, "Files to embed").required().shownAs("...");
+    parser.option("-o,--output", options->out, "File to write; without it FILE is changed").shownAs("OUT");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

@@ -1,5 +1,4 @@
 // varnpdf attachments: the files embedded in a document, listed or extracted.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -116,14 +115,14 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addAttachments(CLI::App& program) {
+cli::Command cli::addAttachments(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("attachments", "Lists or extracts the files embedded in a document");
-    parser->add_option("FILE", options->file, "PDF file")->required()->option_text(" ");
-    CLI::Option* extract =
-        parser->add_option("--extract", options->directory, "Directory for the files; it is made when it is not there");
-    extract->option_text("DIR");
-    parser->add_flag("--json", options->json, "The list as JSON")->excludes(extract);
-    parser->footer(kFooter);
+    const Parser parser = program.command("attachments", "Lists or extracts the files embedded in a document");
+    parser.option("FILE", options->file, "PDF file").required().shownAs(" ");
+    const Option extract =
+        parser.option("--extract", options->directory, "Directory for the files; it is made when it is not there");
+    extract.shownAs("DIR");
+    parser.flag("--json", options->json, "The list as JSON").excludes(extract);
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

@@ -4,9 +4,7 @@
 #include <functional>
 #include <string>
 
-namespace CLI {
-class App;
-}
+#include "parser.h"
 
 namespace cli {
 
@@ -20,24 +18,24 @@ enum ExitCode : int {
 
 /// A command as the parser knows it and what runs it when it was chosen.
 struct Command {
-    CLI::App* parser = nullptr;
+    Parser parser;
     std::function<int()> run;
 };
 
-Command addInfo(CLI::App& program);
-Command addExtract(CLI::App& program);
-Command addShow(CLI::App& program);
-Command addSign(CLI::App& program);
-Command addPrepare(CLI::App& program);
-Command addEmbed(CLI::App& program);
-Command addVerify(CLI::App& program);
-Command addConvert(CLI::App& program);
-Command addFields(CLI::App& program);
-Command addFill(CLI::App& program);
-Command addDss(CLI::App& program);
-Command addAttach(CLI::App& program);
-Command addAttachments(CLI::App& program);
-Command addPortfolio(CLI::App& program);
+Command addInfo(const Parser& program);
+Command addExtract(const Parser& program);
+Command addShow(const Parser& program);
+Command addSign(const Parser& program);
+Command addPrepare(const Parser& program);
+Command addEmbed(const Parser& program);
+Command addVerify(const Parser& program);
+Command addConvert(const Parser& program);
+Command addFields(const Parser& program);
+Command addFill(const Parser& program);
+Command addDss(const Parser& program);
+Command addAttach(const Parser& program);
+Command addAttachments(const Parser& program);
+Command addPortfolio(const Parser& program);
 
 /// "varnpdf: WHAT: SENTENCE" on standard error. `what` may be any bytes.
 void complain(const std::string& what, const std::string& sentence);

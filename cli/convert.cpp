@@ -2,7 +2,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -48,7 +47,8 @@ bool refuse(const std::string& what, const std::string& sentence) {
 
 bool isConvertible(const fs::path& file) {
     constexpr const char* kKnown[] = {".jpg", ".jpeg", ".tif", ".tiff", ".txt"};
-    const std::string extension = CLI::detail::to_lower(file.extension().string());
+    std::string extension = file.extension().string();
+    for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
     for (const char* const known : kKnown) {
         if (extension == known) return true;
     }
@@ -124,12 +124,12 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addConvert(CLI::App& program) {
+cli::Command cli::addConvert(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("convert", "Makes PDF files of JPEG and TIFF images and of text");
-    parser->add_option("IN", options->files, "Images and text files")->required()->option_text(" ");
-    parser->add_option("-o,--output", options->out, "File to write, or a directory for the files")->option_text("OUT");
-    parser->add_flag("--force", options->force, "Replaces files whose names come from those of the inputs");
-    parser->footer(kFooter);
+    const Parser parser = program.command("convert", "Makes PDF files of JPEG and TIFF images and of text");
+    parser.option("IN", options->files, "Images and text files").required().shownAs(" ");
+    parser.option("-o,--output", options->out, "File to write, or a directory for the files").shownAs("OUT");
+    parser.flag("--force", options->force, "Replaces files whose names come from those of the inputs");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

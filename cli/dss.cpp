@@ -1,5 +1,4 @@
 // varnpdf dss: material for long-term validation put into a signed document.
-#include <CLI/CLI.hpp>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -89,19 +88,17 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addDss(CLI::App& program) {
+cli::Command cli::addDss(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("dss", "Puts certificates, CRLs and OCSP responses into a document");
-    parser->add_option("IN", options->file, "Signed PDF file")->required()->option_text(" ");
-    parser->add_option("-o,--output", options->out, "File to write")->required()->option_text("OUT");
-    parser
-        ->add_option("--signature", options->signature,
-                     "Which one: the index that \"varnpdf info\" shows; else the last")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
-        ->option_text("N");
-    parser->add_option("--cert", options->certificates, "Certificates")->option_text("FILE...");
-    parser->add_option("--crl", options->crls, "Certificate revocation lists")->option_text("FILE...");
-    parser->add_option("--ocsp", options->responses, "OCSP responses")->option_text("FILE...");
-    parser->footer(kFooter);
+    const Parser parser = program.command("dss", "Puts certificates, CRLs and OCSP responses into a document");
+    parser.option("IN", options->file, "Signed PDF file").required().shownAs(" ");
+    parser.option("-o,--output", options->out, "File to write").required().shownAs("OUT");
+    parser.option("--signature", options->signature, "Which one: the index that \"varnpdf info\" shows; else the last")
+        .between(0, std::numeric_limits<int>::max())
+        .shownAs("N");
+    parser.option("--cert", options->certificates, "Certificates").shownAs("FILE...");
+    parser.option("--crl", options->crls, "Certificate revocation lists").shownAs("FILE...");
+    parser.option("--ocsp", options->responses, "OCSP responses").shownAs("FILE...");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

@@ -1,5 +1,4 @@
 // varnpdf embed: the second half of a signature whose value was made elsewhere.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
@@ -65,16 +64,12 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addEmbed(CLI::App& program) {
+cli::Command cli::addEmbed(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("embed", "Puts a value that was made elsewhere into its document");
-    parser->add_option("STATE", options->state, "File that \"varnpdf prepare\" has written")
-        ->required()
-        ->option_text(" ");
-    parser->add_option("--value", options->value, "The signature value: CMS SignedData (DER)")
-        ->required()
-        ->option_text("FILE");
-    parser->add_option("-o,--output", options->out, "File to write")->required()->option_text("OUT");
-    parser->footer(kFooter);
+    const Parser parser = program.command("embed", "Puts a value that was made elsewhere into its document");
+    parser.option("STATE", options->state, "File that \"varnpdf prepare\" has written").required().shownAs(" ");
+    parser.option("--value", options->value, "The signature value: CMS SignedData (DER)").required().shownAs("FILE");
+    parser.option("-o,--output", options->out, "File to write").required().shownAs("OUT");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

@@ -1,5 +1,4 @@
 // varnpdf extract: the parts of a signature as files.
-#include <CLI/CLI.hpp>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -74,24 +73,22 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addExtract(CLI::App& program) {
+cli::Command cli::addExtract(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("extract", "Takes a signature's value or the bytes it signs out");
-    parser->add_option("FILE", options->file, "PDF file")->required()->option_text(" ");
-    parser->add_option("--signature", options->signature, "Which one: the index that \"varnpdf info\" shows, from 0")
-        ->required()
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
-        ->option_text("N");
-    CLI::Option_group* what = parser->add_option_group("what", "exactly one of them");
-    what->add_flag("--pkcs7", options->pkcs7, "The PKCS#7 or CAdES value (DER), without the padding of its room");
-    what->add_flag("--signed-bytes", options->signedBytes, "The bytes that the signature covers");
-    what->add_flag("--pkcs1", options->pkcs1, "The PKCS#1 value (a DER OCTET STRING)");
-    what->add_option("--certificate", options->certificate, "A certificate of /Cert, from 0")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
-        ->option_text("K");
-    what->require_option(1);
-    parser->add_option("-o,--output", options->out, "File to write; without it, or with -, standard output")
-        ->option_text("OUT");
-    parser->footer(kFooter);
+    const Parser parser = program.command("extract", "Takes a signature's value or the bytes it signs out");
+    parser.option("FILE", options->file, "PDF file").required().shownAs(" ");
+    parser.option("--signature", options->signature, "Which one: the index that \"varnpdf info\" shows, from 0")
+        .required()
+        .between(0, std::numeric_limits<int>::max())
+        .shownAs("N");
+    const Parser what = parser.group("what", "exactly one of them", 1, 1);
+    what.flag("--pkcs7", options->pkcs7, "The PKCS#7 or CAdES value (DER), without the padding of its room");
+    what.flag("--signed-bytes", options->signedBytes, "The bytes that the signature covers");
+    what.flag("--pkcs1", options->pkcs1, "The PKCS#1 value (a DER OCTET STRING)");
+    what.option("--certificate", options->certificate, "A certificate of /Cert, from 0")
+        .between(0, std::numeric_limits<int>::max())
+        .shownAs("K");
+    parser.option("-o,--output", options->out, "File to write; without it, or with -, standard output").shownAs("OUT");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

@@ -1,5 +1,4 @@
 // varnpdf fill: new values for the text fields of a form.
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -103,17 +102,14 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addFill(CLI::App& program) {
+cli::Command cli::addFill(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("fill", "Fills text fields of a form");
-    parser->add_option("IN", options->in, "PDF file")->required()->option_text(" ");
-    parser->add_option("-o,--output", options->out, "File to write; may be IN")->required()->option_text("OUT");
-    CLI::Option_group* what = parser->add_option_group("values", "at least one of them");
-    what->add_option("--set", options->values, "A value, may be repeated")
-        ->allow_extra_args(false)
-        ->option_text("NAME=VALUE");
-    what->add_option("--from", options->from, "Reads values from a file")->option_text("FILE");
-    what->require_option(1, 0);
-    parser->footer(kFooter);
+    const Parser parser = program.command("fill", "Fills text fields of a form");
+    parser.option("IN", options->in, "PDF file").required().shownAs(" ");
+    parser.option("-o,--output", options->out, "File to write; may be IN").required().shownAs("OUT");
+    const Parser what = parser.group("values", "at least one of them", 1, 0);
+    what.option("--set", options->values, "A value, may be repeated").single().shownAs("NAME=VALUE");
+    what.option("--from", options->from, "Reads values from a file").shownAs("FILE");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

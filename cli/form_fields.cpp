@@ -1,5 +1,4 @@
 // varnpdf fields: the fields of a form.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -124,11 +123,11 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addFields(CLI::App& program) {
+cli::Command cli::addFields(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("fields", "Lists the fields of a form");
-    parser->add_option("FILE", options->file, "PDF file")->required()->option_text(" ");
-    parser->add_flag("--json", options->json, "Writes one JSON object");
-    parser->footer(kFooter);
+    const Parser parser = program.command("fields", "Lists the fields of a form");
+    parser.option("FILE", options->file, "PDF file").required().shownAs(" ");
+    parser.flag("--json", options->json, "Writes one JSON object");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

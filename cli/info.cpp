@@ -1,5 +1,4 @@
 // varnpdf info: what a document is made of, and its signatures.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -256,11 +255,11 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addInfo(CLI::App& program) {
+cli::Command cli::addInfo(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("info", "Says what documents are made of and who signed them");
-    parser->add_option("FILE", options->files, "PDF files")->required()->option_text(" ");
-    parser->add_flag("--json", options->json, "Writes one JSON object per file, each on one line");
-    parser->footer(kFooter);
+    const Parser parser = program.command("info", "Says what documents are made of and who signed them");
+    parser.option("FILE", options->files, "PDF files").required().shownAs(" ");
+    parser.flag("--json", options->json, "Writes one JSON object per file, each on one line");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

@@ -7,9 +7,9 @@
 #include <openssl/x509v3.h>
 #include <sys/stat.h>
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 
 #include "command.h"
 
@@ -139,20 +139,20 @@ void warnOfCertificate(const std::string& path, X509* certificate) {
 
 }  // namespace
 
-void cli::addKeyOptions(CLI::App& parser, KeyOptions& options) {
-    parser.add_option("--key", options.key, "Private key (PEM)")->option_text("FILE");
-    parser.add_option("--cert", options.certificate, "The signer's certificate (PEM); more in it go with it")
-        ->option_text("FILE");
-    parser.add_option("--chain", options.chain, "Certificates of the issuers (PEM), put into the signature")
-        ->option_text("FILE");
-    parser.add_option("--p12", options.pkcs12, "Key and certificates in one file (PKCS#12)")->option_text("FILE");
-    CLI::Option* file = parser.add_option("--pass-file", options.passphrase.file,
-                                          "File whose first line is the pass phrase; otherwise it is asked for");
-    file->option_text("FILE");
-    parser.add_option("--pass-fd", options.passphrase.descriptor, "The same from an open file descriptor")
-        ->check(CLI::NonNegativeNumber)
-        ->excludes(file)
-        ->option_text("N");
+void cli::addKeyOptions(const Parser& parser, KeyOptions& options) {
+    parser.option("--key", options.key, "Private key (PEM)").shownAs("FILE");
+    parser.option("--cert", options.certificate, "The signer's certificate (PEM); more in it go with it")
+        .shownAs("FILE");
+    parser.option("--chain", options.chain, "Certificates of the issuers (PEM), put into the signature")
+        .shownAs("FILE");
+    parser.option("--p12", options.pkcs12, "Key and certificates in one file (PKCS#12)").shownAs("FILE");
+    const Option file = parser.option("--pass-file", options.passphrase.file,
+                                      "File whose first line is the pass phrase; otherwise it is asked for");
+    file.shownAs("FILE");
+    parser.option("--pass-fd", options.passphrase.descriptor, "The same from an open file descriptor")
+        .between(0, std::numeric_limits<int>::max())
+        .excludes(file)
+        .shownAs("N");
 }
 
 bool cli::keyOptionsFit(const KeyOptions& options) {

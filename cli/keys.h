@@ -6,11 +6,8 @@
 #include <vector>
 
 #include "openssl.h"
+#include "parser.h"
 #include "passphrase.h"
-
-namespace CLI {
-class App;
-}
 
 namespace cli {
 
@@ -30,7 +27,7 @@ struct KeyOptions {
     PassphraseSource passphrase;
 };
 
-void addKeyOptions(CLI::App& parser, KeyOptions& options);
+void addKeyOptions(const Parser& parser, KeyOptions& options);
 /// Either --key and --cert, or --p12; false after a complaint.
 bool keyOptionsFit(const KeyOptions& options);
 /// Reads it all; nothing after a complaint. A certificate that is out of date is only warned of: the signature is

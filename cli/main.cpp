@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* kVersion = "varnpdf 2.10.0";
 
-using Adder = cli::Command (*)(CLI::App&);
+using Adder = cli::Command (*)(const cli::Parser&);
 constexpr Adder kCommands[] = {cli::addInfo,   cli::addExtract,     cli::addShow,      cli::addSign,   cli::addPrepare,
                                cli::addEmbed,  cli::addVerify,      cli::addDss,       cli::addFields, cli::addFill,
                                cli::addAttach, cli::addAttachments, cli::addPortfolio, cli::addConvert};
@@ -39,10 +39,7 @@ int parseAndRun(int argc, char** argv) {
         ->option_text("debug|info|warn|error|off");
 
     std::vector<cli::Command> commands;
-    for (const Adder add : kCommands) {
-        commands.push_back(add(program));
-        commands.back().parser->fallthrough();
-    }
+    for (const Adder add : kCommands) commands.push_back(add(cli::Parser(&program)));
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& end) {
@@ -51,7 +48,7 @@ int parseAndRun(int argc, char** argv) {
     }
     cli::configureLog(level);
     for (const cli::Command& command : commands) {
-        if (command.parser->parsed()) return cli::finishOutput(command.run());
+        if (command.parser.parsed()) return cli::finishOutput(command.run());
     }
     return cli::kUsage;
 }

@@ -1,7 +1,6 @@
 // Places and sizes of visible signatures.
 #include "measure.h"
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -127,20 +126,20 @@ cli::Placement cli::movedOnto(Placement placement, const int* box, int rotation)
     return placement;
 }
 
-void cli::addPlacementOptions(CLI::App& parser, PlacementOptions& options) {
-    parser.add_option("--page", options.page, "Page that carries the signature: from 1, or \"last\"")->option_text("N");
-    CLI::Option* size = parser.add_option("--size", options.size, "Makes the signature visible: width and height");
-    size->option_text("W,H");
-    parser.add_option("--position", options.position, "Distance from the corner of the page; without it 36,36")
-        ->needs(size)
-        ->option_text("X,Y");
+void cli::addPlacementOptions(const Parser& parser, PlacementOptions& options) {
+    parser.option("--page", options.page, "Page that carries the signature: from 1, or \"last\"").shownAs("N");
+    const Option size = parser.option("--size", options.size, "Makes the signature visible: width and height");
+    size.shownAs("W,H");
+    parser.option("--position", options.position, "Distance from the corner of the page; without it 36,36")
+        .needs(size)
+        .shownAs("X,Y");
     parser
-        .add_option("--corner", options.corner,
-                    "The corner: lower-left (without it), lower-right, upper-left, "
-                    "upper-right")
-        ->needs(size)
-        ->check(CLI::IsMember(std::vector<std::string>(kCorners.begin(), kCorners.end())))
-        ->option_text("CORNER");
+        .option("--corner", options.corner,
+                "The corner: lower-left (without it), lower-right, upper-left, "
+                "upper-right")
+        .needs(size)
+        .among(std::vector<std::string>(kCorners.begin(), kCorners.end()))
+        .shownAs("CORNER");
 }
 
 std::optional<cli::Placement> cli::placementOf(const PlacementOptions& options) {

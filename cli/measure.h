@@ -4,9 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
+#include "parser.h"
 
 namespace cli {
 
@@ -29,7 +27,7 @@ struct Placement {
     [[nodiscard]] bool visible() const { return width > 0; }
 };
 
-void addPlacementOptions(CLI::App& parser, PlacementOptions& options);
+void addPlacementOptions(const Parser& parser, PlacementOptions& options);
 /// Nothing after a complaint.
 std::optional<Placement> placementOf(const PlacementOptions& options);
 /// The same place on a page whose box (x1, y1, x2, y2) begins elsewhere than at 0 0, from where the library counts.

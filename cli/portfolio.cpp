@@ -1,7 +1,6 @@
 // varnpdf portfolio: several files in one document.
 #include <strings.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -115,17 +114,17 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addPortfolio(CLI::App& program) {
+cli::Command cli::addPortfolio(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("portfolio", "Builds a portfolio from several files");
-    parser->add_option("FILE", options->files, "Further files of any kind")->option_text("...");
-    parser->add_option("--cover", options->cover, "PDF file that is shown first and supplies the cover page")
-        ->required()
-        ->option_text("FILE");
-    parser->add_option("--description", options->descriptions, "Text for a file, in the order of the files")
-        ->allow_extra_args(false)
-        ->option_text("TEXT");
-    parser->add_option("-o,--output", options->out, "File to write")->required()->option_text("OUT");
-    parser->footer(kFooter);
+    const Parser parser = program.command("portfolio", "Builds a portfolio from several files");
+    parser.option("FILE", options->files, "Further files of any kind").shownAs("...");
+    parser.option("--cover", options->cover, "PDF file that is shown first and supplies the cover page")
+        .required()
+        .shownAs("FILE");
+    parser.option("--description", options->descriptions, "Text for a file, in the order of the files")
+        .single()
+        .shownAs("TEXT");
+    parser.option("-o,--output", options->out, "File to write").required().shownAs("OUT");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

@@ -1,7 +1,6 @@
 // Options of a preparation and how they become one.
 #include "preparation.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -64,41 +63,36 @@ bool isPng(const std::string& path) {
     return false;
 }
 
-void addVisible(CLI::App& parser, cli::PreparationOptions& options) {
+void addVisible(const cli::Parser& parser, cli::PreparationOptions& options) {
     cli::addPlacementOptions(parser, options.placement);
-    CLI::Option* size = parser.get_option("--size");
-    parser.add_option("--image", options.image, "Background (PNG, also with transparency)")
-        ->needs(size)
-        ->option_text("PNG");
-    parser.add_option("--text", options.texts, "A line of text, may be repeated; without a label: =VALUE")
-        ->allow_extra_args(false)
-        ->needs(size)
-        ->option_text("LABEL=VALUE");
-    parser.add_option("--font", options.font, "helvetica (without it), times, courier")
-        ->check(CLI::IsMember(kFonts))
-        ->option_text("FONT");
-    parser.add_option("--style", options.style, "regular (without it), bold, italic, bold-italic")
-        ->check(CLI::IsMember(kStyles))
-        ->option_text("STYLE");
-    parser.add_option("--font-size", options.fontSize, "Points; without it the largest size that fits")
-        ->check(CLI::Range(1, 1000))
-        ->option_text("N");
+    const cli::Option size = parser.added("--size");
+    parser.option("--image", options.image, "Background (PNG, also with transparency)").needs(size).shownAs("PNG");
+    parser.option("--text", options.texts, "A line of text, may be repeated; without a label: =VALUE")
+        .single()
+        .needs(size)
+        .shownAs("LABEL=VALUE");
+    parser.option("--font", options.font, "helvetica (without it), times, courier").among(kFonts).shownAs("FONT");
+    parser.option("--style", options.style, "regular (without it), bold, italic, bold-italic")
+        .among(kStyles)
+        .shownAs("STYLE");
+    parser.option("--font-size", options.fontSize, "Points; without it the largest size that fits")
+        .between(1, 1000)
+        .shownAs("N");
 }
 
 }  // namespace
 
-void cli::addPreparationOptions(CLI::App& parser, PreparationOptions& options) {
-    parser.add_option("IN", options.file, "PDF file")->required()->option_text(" ");
-    parser.add_option("--subfilter", options.subFilter, "cades (PAdES baseline, without it) or pkcs7")
-        ->check(CLI::IsMember({"cades", "pkcs7"}))
-        ->option_text("KIND");
+void cli::addPreparationOptions(const Parser& parser, PreparationOptions& options) {
+    parser.option("IN", options.file, "PDF file").required().shownAs(" ");
+    parser.option("--subfilter", options.subFilter, "cades (PAdES baseline, without it) or pkcs7")
+        .among({"cades", "pkcs7"})
+        .shownAs("KIND");
     addVisible(parser, options);
-    parser.add_option("--reason", options.reason, "Why it is signed")->option_text("TEXT");
-    parser.add_option("--location", options.location, "Where it is signed")->option_text("TEXT");
-    parser.add_option("--name", options.name, "Who signs; without it what the certificate says")->option_text("TEXT");
-    parser.add_option("--date", options.date, "Signing time, ISO 8601 or PDF date; without it now")
-        ->option_text("DATE");
-    parser.add_flag("--lock", options.lock, "The signature locks the fields of the document");
+    parser.option("--reason", options.reason, "Why it is signed").shownAs("TEXT");
+    parser.option("--location", options.location, "Where it is signed").shownAs("TEXT");
+    parser.option("--name", options.name, "Who signs; without it what the certificate says").shownAs("TEXT");
+    parser.option("--date", options.date, "Signing time, ISO 8601 or PDF date; without it now").shownAs("DATE");
+    parser.flag("--lock", options.lock, "The signature locks the fields of the document");
 }
 
 std::optional<cli::Preparation> cli::Preparation::from(const PreparationOptions& options) {

@@ -9,10 +9,6 @@
 #include "measure.h"
 #include "varnpdf/PdfSign.h"
 
-namespace CLI {
-class App;
-}
-
 namespace cli {
 
 /// As the command line says.
@@ -32,7 +28,7 @@ struct PreparationOptions {
     bool lock = false;
 };
 
-void addPreparationOptions(CLI::App& parser, PreparationOptions& options);
+void addPreparationOptions(const Parser& parser, PreparationOptions& options);
 
 /// Everything converted and checked, ready for the library.
 class Preparation {

@@ -1,5 +1,4 @@
 // varnpdf prepare: the first half of a signature whose value is made elsewhere.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
@@ -48,24 +47,20 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addPrepare(CLI::App& program) {
-    constexpr unsigned int kLargestRoom = 10'000'000;
+cli::Command cli::addPrepare(const Parser& program) {
+    constexpr int kLargestRoom = 10'000'000;
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("prepare", "Prepares a document for a value that is made elsewhere");
-    addPreparationOptions(*parser, options->preparation);
-    parser->add_option("--state", options->state, "File to write; \"varnpdf embed\" reads it")
-        ->required()
-        ->option_text("STATE");
-    parser->add_option("--reserve", options->reserve, "Room for the value in bytes")
-        ->required()
-        ->check(CLI::Range(1U, kLargestRoom))
-        ->option_text("BYTES");
-    parser
-        ->add_option("--print-digest", options->digest,
-                     "Prints the digest of the bytes to sign: sha256, sha384 or sha512")
-        ->check(CLI::IsMember({"sha256", "sha384", "sha512"}))
-        ->option_text("DIGEST");
-    parser->add_option("--bytes", options->bytes, "Writes the bytes to sign")->option_text("FILE");
-    parser->footer(kFooter);
+    const Parser parser = program.command("prepare", "Prepares a document for a value that is made elsewhere");
+    addPreparationOptions(parser, options->preparation);
+    parser.option("--state", options->state, "File to write; \"varnpdf embed\" reads it").required().shownAs("STATE");
+    parser.option("--reserve", options->reserve, "Room for the value in bytes")
+        .required()
+        .between(1, kLargestRoom)
+        .shownAs("BYTES");
+    parser.option("--print-digest", options->digest, "Prints the digest of the bytes to sign: sha256, sha384 or sha512")
+        .among({"sha256", "sha384", "sha512"})
+        .shownAs("DIGEST");
+    parser.option("--bytes", options->bytes, "Writes the bytes to sign").shownAs("FILE");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

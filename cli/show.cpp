@@ -1,5 +1,4 @@
 // varnpdf show: objects, trailers and the table of objects as they stand in the file.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -118,11 +117,11 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addShow(CLI::App& program) {
+cli::Command cli::addShow(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("show", "Shows an object, the trailers or the table of objects");
-    parser->add_option("FILE", options->file, "PDF file")->required()->option_text(" ");
-    parser->add_option("WHAT", options->what, "object number, trailer or xref")->option_text(" ");
-    parser->footer(kFooter);
+    const Parser parser = program.command("show", "Shows an object, the trailers or the table of objects");
+    parser.option("FILE", options->file, "PDF file").required().shownAs(" ");
+    parser.option("WHAT", options->what, "object number, trailer or xref").shownAs(" ");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

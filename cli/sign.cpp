@@ -1,5 +1,4 @@
 // varnpdf sign: a signature made here, with the key at hand.
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <optional>
 #include <string>
@@ -63,13 +62,13 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addSign(CLI::App& program) {
+cli::Command cli::addSign(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("sign", "Signs a document");
-    addPreparationOptions(*parser, options->preparation);
-    parser->add_option("-o,--output", options->out, "File to write")->required()->option_text("OUT");
-    addKeyOptions(*parser, options->key);
-    parser->add_flag("--pss", options->pss, "RSA with PSS padding; a key of that kind needs no flag");
-    parser->footer(kFooter);
+    const Parser parser = program.command("sign", "Signs a document");
+    addPreparationOptions(parser, options->preparation);
+    parser.option("-o,--output", options->out, "File to write").required().shownAs("OUT");
+    addKeyOptions(parser, options->key);
+    parser.flag("--pss", options->pss, "RSA with PSS padding; a key of that kind needs no flag");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }

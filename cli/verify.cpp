@@ -1,5 +1,4 @@
 // varnpdf verify: whether the signatures of documents are intact, and whose they are.
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -274,12 +273,12 @@ int run(const Options& options) {
 
 }  // namespace
 
-cli::Command cli::addVerify(CLI::App& program) {
+cli::Command cli::addVerify(const Parser& program) {
     const auto options = std::make_shared<Options>();
-    CLI::App* parser = program.add_subcommand("verify", "Checks the signatures of documents");
-    parser->add_option("FILE", options->files, "PDF files")->required()->option_text(" ");
-    parser->add_option("--trust", options->trust, "Certificates (PEM) that signers must lead to")->option_text("PEM");
-    parser->add_flag("--json", options->json, "Writes one JSON object per file, each on one line");
-    parser->footer(kFooter);
+    const Parser parser = program.command("verify", "Checks the signatures of documents");
+    parser.option("FILE", options->files, "PDF files").required().shownAs(" ");
+    parser.option("--trust", options->trust, "Certificates (PEM) that signers must lead to").shownAs("PEM");
+    parser.flag("--json", options->json, "Writes one JSON object per file, each on one line");
+    parser.footer(kFooter);
     return {parser, [options] { return run(*options); }};
 }
