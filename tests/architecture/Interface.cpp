@@ -25,6 +25,7 @@
     ROW(CPdfObjTransferListItem) \
     ROW(CPdfSigInfo)             \
     ROW(CPdfSign)                \
+    ROW(CPdfText)                \
     ROW(CPdfTrailer)             \
     ROW(CPdfXRef)                \
     ROW(CPdfXRefContainer)       \

@@ -11,7 +11,7 @@ cxx=${CXX:-c++}
 description=$root/packaging/libvarnpdf.abi
 sizes=$here/sizes.txt
 library=${LIBRARY:-$root/build/release/src/libvarnpdf.so}
-most_private=50  # to go down to 0
+most_private=20  # to go down to 0
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
