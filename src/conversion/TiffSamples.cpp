@@ -88,6 +88,30 @@ private:
     std::string rgb_;
 };
 
+// Bytes of an uncompressed tile. libtiff compares the size of its read buffer with that of the tile, but rounds the
+// buffer it makes itself up to a kilobyte.
+class TileBuffer {
+public:
+    explicit TileBuffer(TIFF* tif) : tif_(tif) {
+        std::uint16_t compression = COMPRESSION_NONE;
+        TIFFGetFieldDefaulted(tif, TIFFTAG_COMPRESSION, &compression);
+        if (TIFFIsTiled(tif) == 0 || compression != COMPRESSION_NONE) return;
+        const std::uint64_t size = TIFFTileSize64(tif);
+        if (size == 0 || size > limits::kImagePieceBytes) return;
+        bytes_ = std::make_unique_for_overwrite<unsigned char[]>(size);
+        TIFFReadBufferSetup(tif, bytes_.get(), static_cast<tmsize_t>(size));
+    }
+    TileBuffer(const TileBuffer&) = delete;
+    TileBuffer& operator=(const TileBuffer&) = delete;
+    ~TileBuffer() {
+        if (bytes_) TIFFReadBufferSetup(tif_, nullptr, 1);  // one of libtiff's own again
+    }
+
+private:
+    TIFF* tif_;
+    std::unique_ptr<unsigned char[]> bytes_;
+};
+
 // libtiff's own conversion, for everything else: tiles, separate planes, YCbCr, CIE L*a*b*, LogLuv.
 class RgbaReader {
 public:
@@ -114,6 +138,7 @@ public:
             return refuse(tif_, "a strip or tile is too large");
         }
         raster_.resize(rows * shape_->width);
+        const TileBuffer buffer(tif_);
         for (std::uint64_t row = 0; row < shape_->height; row += rows) {
             const auto now = static_cast<std::uint32_t>(std::min<std::uint64_t>(rows, shape_->height - row));
             image_.row_offset = static_cast<int>(row);

@@ -16,6 +16,10 @@ Colour grey(unsigned level) {
     const int value = static_cast<int>(level);
     return {value, value, value};
 }
+Colour inverted(unsigned x, unsigned y) { return grey(255 - red(x, y)); }
+Samples grey16(unsigned x, unsigned y) { return {red(x, y) * 257}; }
+Samples slope(unsigned x, unsigned) { return {x * 4}; }
+Colour slopeGreys(unsigned x, unsigned) { return grey(x * 4); }
 Colour colours(unsigned x, unsigned y) {
     return {static_cast<int>(red(x, y)), static_cast<int>(green(x, y)), static_cast<int>(blue(x, y))};
 }
@@ -56,6 +60,7 @@ Samples multiplied(unsigned x, unsigned y) {
 }
 Samples unnamedFourth(unsigned x, unsigned y) { return {red(x, y), green(x, y), blue(x, y), 0}; }
 Samples cmyk(unsigned x, unsigned y) { return {red(x, y), green(x, y), blue(x, y), 51}; }
+Samples cmyk16(unsigned x, unsigned y) { return {red(x, y) * 257, green(x, y) * 257, blue(x, y) * 257, 51 * 257}; }
 Colour cmykColours(unsigned x, unsigned y) {
     Colour out = colours(x, y);
     for (int& c : out) c = (255 - c) * (255 - 51) / 255;
@@ -68,102 +73,47 @@ Samples greyYcc(unsigned x, unsigned y) { return {red(x, y), 128, 128}; }
 Samples lightness(unsigned x, unsigned) { return {x < 20 ? 255U : 0U, 0, 0}; }
 Colour lightnessColours(unsigned x, unsigned) { return grey(x < 20 ? 255 : 0); }
 
+constexpr auto kNone = COMPRESSION_NONE;
+constexpr auto kDeflate = COMPRESSION_ADOBE_DEFLATE;
+constexpr auto kPlanes = PLANARCONFIG_SEPARATE;
+
 const std::vector<Kind> kKinds = {
     {"WhiteIsZero", PHOTOMETRIC_MINISWHITE, 1, bilevel, blackIsOne},
     {"BlackIsZero", PHOTOMETRIC_MINISBLACK, 1, bilevel, whiteIsOne},
     {"Group3", PHOTOMETRIC_MINISWHITE, 1, bilevel, blackIsOne, COMPRESSION_CCITTFAX3},
     {"Group4", PHOTOMETRIC_MINISWHITE, 1, bilevel, blackIsOne, COMPRESSION_CCITTFAX4},
     {"PackBits", PHOTOMETRIC_MINISBLACK, 1, bilevel, whiteIsOne, COMPRESSION_PACKBITS},
-    {"BilevelTiles", PHOTOMETRIC_MINISBLACK, 1, bilevel, whiteIsOne, COMPRESSION_CCITTFAX4, true},
+    {"BilevelTiles", PHOTOMETRIC_MINISBLACK, 1, bilevel, whiteIsOne, COMPRESSION_CCITTFAX4, 16},
     {"Grey2", PHOTOMETRIC_MINISBLACK, 2, low<3>, lowGrey<3>},
     {"Grey4", PHOTOMETRIC_MINISBLACK, 4, low<15>, lowGrey<15>},
     {"Grey8", PHOTOMETRIC_MINISBLACK, 8, grey8, greys, COMPRESSION_LZW},
-    {"Grey8Inverted", PHOTOMETRIC_MINISWHITE, 8, grey8, [](unsigned x, unsigned y) { return grey(255 - red(x, y)); }},
-    {"Grey16", PHOTOMETRIC_MINISBLACK, 16, [](unsigned x, unsigned y) { return Samples{red(x, y) * 257}; }, greys},
-    {"Grey8Tiles", PHOTOMETRIC_MINISBLACK, 8, grey8, greys, COMPRESSION_ADOBE_DEFLATE, true},
+    {"Grey8Inverted", PHOTOMETRIC_MINISWHITE, 8, grey8, inverted},
+    {"Grey16", PHOTOMETRIC_MINISBLACK, 16, grey16, greys},
+    {"Grey8Tiles", PHOTOMETRIC_MINISBLACK, 8, grey8, greys, kDeflate, 16},
     {"Palette1", PHOTOMETRIC_PALETTE, 1, low<1>, looked<1>},
     {"Palette4", PHOTOMETRIC_PALETTE, 4, low<15>, looked<15>},
     {"Palette8", PHOTOMETRIC_PALETTE, 8, low<255>, looked<255>, COMPRESSION_LZW},
     {"Rgb", PHOTOMETRIC_RGB, 8, rgb8, colours},
-    {"RgbOneStrip", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, false, PLANARCONFIG_CONTIG, {}, 0, kHeight},
-    {"RgbDeflate", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_ADOBE_DEFLATE},
-    {"RgbTiles", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, true},
-    {"RgbPlanes", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_NONE, false, PLANARCONFIG_SEPARATE},
-    {"RgbTiledPlanes", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, true, PLANARCONFIG_SEPARATE},
-    {"Rgb16", PHOTOMETRIC_RGB, 16, rgb16, colours, COMPRESSION_ADOBE_DEFLATE},
-    {"Rgb16Planes", PHOTOMETRIC_RGB, 16, rgb16, colours, COMPRESSION_NONE, false, PLANARCONFIG_SEPARATE},
-    {"AlphaSeparate",
-     PHOTOMETRIC_RGB,
-     8,
-     separateAlpha,
-     blended,
-     COMPRESSION_NONE,
-     false,
-     PLANARCONFIG_CONTIG,
-     {EXTRASAMPLE_UNASSALPHA},
-     1},
-    {"AlphaMultiplied",
-     PHOTOMETRIC_RGB,
-     8,
-     multiplied,
-     blended,
-     COMPRESSION_NONE,
-     false,
-     PLANARCONFIG_CONTIG,
-     {EXTRASAMPLE_ASSOCALPHA},
-     1},
-    {"AlphaTiles",
-     PHOTOMETRIC_RGB,
-     8,
-     separateAlpha,
-     blended,
-     COMPRESSION_NONE,
-     true,
-     PLANARCONFIG_CONTIG,
-     {EXTRASAMPLE_UNASSALPHA},
-     1},
-    {"UnnamedFourth",
-     PHOTOMETRIC_RGB,
-     8,
-     unnamedFourth,
-     colours,
-     COMPRESSION_NONE,
-     false,
-     PLANARCONFIG_CONTIG,
-     {EXTRASAMPLE_UNSPECIFIED}},
-    {"UnnamedFourthTiles",
-     PHOTOMETRIC_RGB,
-     8,
-     unnamedFourth,
-     colours,
-     COMPRESSION_NONE,
-     true,
-     PLANARCONFIG_CONTIG,
-     {EXTRASAMPLE_UNSPECIFIED}},
-    {"Cmyk", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, COMPRESSION_NONE, false, PLANARCONFIG_CONTIG, {}, 1},
-    {"Cmyk16", PHOTOMETRIC_SEPARATED, 16,
-     [](unsigned x, unsigned y) {
-         Samples samples = cmyk(x, y);
-         for (unsigned& sample : samples) sample *= 257;
-         return samples;
-     },
-     cmykColours},
-    {"CmykTiles", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, COMPRESSION_LZW, true, PLANARCONFIG_CONTIG, {}, 1},
-    {"YccDeflate", PHOTOMETRIC_YCBCR, 8, greyYcc, greys, COMPRESSION_ADOBE_DEFLATE, false, PLANARCONFIG_CONTIG, {}, 1},
-    {"Lab", PHOTOMETRIC_CIELAB, 8, lightness, lightnessColours, COMPRESSION_NONE, false, PLANARCONFIG_CONTIG, {}, 40},
-    {"JpegGrey",
-     PHOTOMETRIC_MINISBLACK,
-     8,
-     [](unsigned x, unsigned) { return Samples{x * 4}; },
-     [](unsigned x, unsigned) { return grey(x * 4); },
-     COMPRESSION_JPEG,
-     false,
-     PLANARCONFIG_CONTIG,
-     {},
-     6,
-     8},
-    {"JpegYcc", PHOTOMETRIC_YCBCR, 8, smooth, smoothColours, COMPRESSION_JPEG, false, PLANARCONFIG_CONTIG, {}, 12, 16},
-    {"JpegTiles", PHOTOMETRIC_YCBCR, 8, smooth, smoothColours, COMPRESSION_JPEG, true, PLANARCONFIG_CONTIG, {}, 12},
+    {"RgbOneStrip", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, 0, 0, -1, PLANARCONFIG_CONTIG, kHeight},
+    {"RgbDeflate", PHOTOMETRIC_RGB, 8, rgb8, colours, kDeflate},
+    {"RgbTiles", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, 16},
+    {"RgbPlanes", PHOTOMETRIC_RGB, 8, rgb8, colours, kNone, 0, 0, -1, kPlanes},
+    {"RgbTiledPlanes", PHOTOMETRIC_RGB, 8, rgb8, colours, COMPRESSION_LZW, 16, 0, -1, kPlanes},
+    {"Rgb16", PHOTOMETRIC_RGB, 16, rgb16, colours, kDeflate},
+    {"Rgb16Planes", PHOTOMETRIC_RGB, 16, rgb16, colours, kNone, 0, 0, -1, kPlanes},
+    {"AlphaSeparate", PHOTOMETRIC_RGB, 8, separateAlpha, blended, kNone, 0, 1, EXTRASAMPLE_UNASSALPHA},
+    {"AlphaMultiplied", PHOTOMETRIC_RGB, 8, multiplied, blended, kNone, 0, 1, EXTRASAMPLE_ASSOCALPHA},
+    {"AlphaTiles", PHOTOMETRIC_RGB, 8, separateAlpha, blended, kNone, 16, 1, EXTRASAMPLE_UNASSALPHA},
+    {"UnnamedFourth", PHOTOMETRIC_RGB, 8, unnamedFourth, colours, kNone, 0, 0, EXTRASAMPLE_UNSPECIFIED},
+    {"UnnamedFourthTiles", PHOTOMETRIC_RGB, 8, unnamedFourth, colours, kNone, 16, 0, EXTRASAMPLE_UNSPECIFIED},
+    {"Cmyk", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, kNone, 0, 1},
+    {"Cmyk16", PHOTOMETRIC_SEPARATED, 16, cmyk16, cmykColours},
+    {"CmykTiles", PHOTOMETRIC_SEPARATED, 8, cmyk, cmykColours, COMPRESSION_LZW, 16, 1},
+    {"YccDeflate", PHOTOMETRIC_YCBCR, 8, greyYcc, greys, kDeflate, 0, 1},
+    {"Lab", PHOTOMETRIC_CIELAB, 8, lightness, lightnessColours, kNone, 0, 40},
+    {"JpegGrey", PHOTOMETRIC_MINISBLACK, 8, slope, slopeGreys, COMPRESSION_JPEG, 0, 6, -1, PLANARCONFIG_CONTIG, 8},
+    {"JpegYcc", PHOTOMETRIC_YCBCR, 8, smooth, smoothColours, COMPRESSION_JPEG, 0, 12, -1, PLANARCONFIG_CONTIG, 16},
+    {"JpegTiles", PHOTOMETRIC_YCBCR, 8, smooth, smoothColours, COMPRESSION_JPEG, 16, 12},
 };
 
 }  // namespace
@@ -178,9 +128,8 @@ void setTags(TIFF* tif, const Kind& kind, std::size_t samples) {
     TIFFSetField(tif, TIFFTAG_COMPRESSION, kind.compression);
     TIFFSetField(tif, TIFFTAG_PHOTOMETRIC, kind.photometric);
     TIFFSetField(tif, TIFFTAG_PLANARCONFIG, kind.planar);
-    if (!kind.extra.empty()) {
-        TIFFSetField(tif, TIFFTAG_EXTRASAMPLES, static_cast<int>(kind.extra.size()), kind.extra.data());
-    }
+    const auto extra = static_cast<std::uint16_t>(kind.extra);
+    if (kind.extra >= 0) TIFFSetField(tif, TIFFTAG_EXTRASAMPLES, 1, &extra);
     if (kind.compression == COMPRESSION_JPEG) {
         TIFFSetField(tif, TIFFTAG_JPEGQUALITY, 95);
         if (kind.photometric == PHOTOMETRIC_YCBCR) TIFFSetField(tif, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
@@ -198,9 +147,9 @@ void setTags(TIFF* tif, const Kind& kind, std::size_t samples) {
         }
         TIFFSetField(tif, TIFFTAG_COLORMAP, maps[0].data(), maps[1].data(), maps[2].data());
     }
-    if (kind.tiled) {
-        TIFFSetField(tif, TIFFTAG_TILEWIDTH, kTile);
-        TIFFSetField(tif, TIFFTAG_TILELENGTH, kTile);
+    if (kind.tile > 0) {
+        TIFFSetField(tif, TIFFTAG_TILEWIDTH, kind.tile);
+        TIFFSetField(tif, TIFFTAG_TILELENGTH, kind.tile);
     } else {
         TIFFSetField(tif, TIFFTAG_ROWSPERSTRIP, kind.rowsPerStrip);
     }
@@ -237,16 +186,16 @@ void addDirectory(TIFF* tif, const Kind& kind, const std::function<void(TIFF*)>&
     setTags(tif, kind, samples);
     if (more) more(tif);
     const bool planes = kind.planar == PLANARCONFIG_SEPARATE;
-    const unsigned stepX = kind.tiled ? kTile : kWidth;
-    const unsigned stepY = kind.tiled ? kTile : kind.rowsPerStrip;
+    const unsigned stepX = kind.tile > 0 ? kind.tile : kWidth;
+    const unsigned stepY = kind.tile > 0 ? kind.tile : kind.rowsPerStrip;
     for (int plane = planes ? 0 : -1; plane < (planes ? static_cast<int>(samples) : 0); ++plane) {
         const auto sample = static_cast<std::uint16_t>(std::max(plane, 0));
         for (unsigned y = 0; y < kHeight; y += stepY) {
             for (unsigned x = 0; x < kWidth; x += stepX) {
-                const unsigned rows = kind.tiled ? kTile : std::min(stepY, kHeight - y);
+                const unsigned rows = kind.tile > 0 ? kind.tile : std::min(stepY, kHeight - y);
                 std::string bytes = stored(kind, x, y, stepX, rows, plane);
                 const auto size = static_cast<tmsize_t>(bytes.size());
-                if (kind.tiled)
+                if (kind.tile > 0)
                     TIFFWriteTile(tif, bytes.data(), x, y, 0, sample);
                 else
                     TIFFWriteEncodedStrip(tif, TIFFComputeStrip(tif, y, sample), bytes.data(), size);

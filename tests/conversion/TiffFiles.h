@@ -24,16 +24,15 @@ struct Kind {
     std::function<Samples(unsigned x, unsigned y)> samples;
     std::function<Colour(unsigned x, unsigned y)> rgb;
     std::uint16_t compression = COMPRESSION_NONE;
-    bool tiled = false;
-    std::uint16_t planar = PLANARCONFIG_CONTIG;
-    std::vector<std::uint16_t> extra = {};
+    unsigned tile = 0;  ///< edge of a tile; 0 for strips
     int tolerance = 0;
+    int extra = -1;  ///< what the sample behind the colours is
+    std::uint16_t planar = PLANARCONFIG_CONTIG;
     unsigned rowsPerStrip = 5;
 };
 
 inline constexpr unsigned kWidth = 37;
 inline constexpr unsigned kHeight = 21;
-inline constexpr unsigned kTile = 16;
 
 const std::vector<Kind>& kinds();
 const Kind& kindNamed(std::string_view name);
