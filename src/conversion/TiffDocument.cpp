@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "conversion/Deflater.h"
-#include "conversion/RunDeflater.h"
 #include "conversion/TiffMessages.h"
 #include "conversion/TiffRows.h"
 #include "conversion/TiffSamples.h"
@@ -130,13 +129,14 @@ private:
     std::vector<unsigned char> room_;
 };
 
-/// Bytes that must be gone through for the current directory, 0 when it has no size. Counted are the samples - for a
-/// page that is written from its runs the bits -, what its strips or tiles unfold to, which is more when most samples
-/// are not shown, and what is read for them: strips may share their bytes in the file.
+/// Bytes that must be gone through for the current directory, 0 when it has no size. Counted are the samples, what its
+/// strips or tiles unfold to, which is more when most samples are not shown, and what is read for them: strips may share
+/// their bytes in the file.
 std::uint64_t workOn(TIFF* tif, std::uint64_t fileBytes) {
     constexpr std::uint64_t kPieceWork = 2000;  // beginning a strip or tile takes as long as so many samples
     constexpr std::uint64_t kReadWork = 20;     // a byte that is read
     constexpr std::uint64_t kMostPlanes = 5;
+    constexpr std::uint64_t kBilevelShare = 8;  // black and white packs so many times faster than colours
     const TiffShape shape = shapeOf(tif);
     if (shape.rgbBytes() == 0) return 0;
     std::uint16_t samples = 1;
@@ -150,7 +150,8 @@ std::uint64_t workOn(TIFF* tif, std::uint64_t fileBytes) {
         std::min<std::uint64_t>(tiled ? TIFFTileSize64(tif) : TIFFScanlineSize64(tif), limits::kImagePieceBytes);
     const std::uint64_t unfolded = unit * (tiled ? pieces : shape.height * planes);
     const auto converter = RowConverter::of(tif, shape.width);
-    const std::uint64_t shown = converter && converter->isBilevel() ? 0 : shape.rgbBytes();
+    const std::uint64_t shown =
+        converter && converter->isBilevel() ? shape.rgbBytes() / kBilevelShare : shape.rgbBytes();
     std::uint64_t work = std::max({shown, unfolded, std::uint64_t{1}}) + pieces * kPieceWork;
     if (work > limits::kImageBytesBase + limits::kImageBytesPerByte * fileBytes) return work;
     for (std::uint64_t i = 0; i < pieces; ++i) {
@@ -212,23 +213,12 @@ private:
     int putPage(int index) {
         const TiffShape shape = shapeOf(tif_);
         deflater_.startImage();
-        runs_.start();
         bool fits = true;
-        bilevel_ = false;
-        const auto noteSize = [&](std::size_t packed) {
-            fits = out_->position() + packed <= limits::kDocumentBytes;
+        const bool read = readRows(tif_, shape, [&](std::string_view rows) {
+            deflater_.addSamples(rows);
+            fits = out_->position() + deflater_.size() <= limits::kDocumentBytes;
             return fits;
-        };
-        const RowSink sink = {[&](std::string_view rows) {
-                                  deflater_.addSamples(rows);
-                                  return noteSize(deflater_.size());
-                              },
-                              [&](const unsigned char* row, unsigned char one) {
-                                  bilevel_ = true;
-                                  runs_.addRow(row, shape.width, one);
-                                  return noteSize(runs_.size());
-                              }};
-        const bool read = readRows(tif_, shape, sink);
+        });
         if (!fits) return VARNPDF_CONVERT_WRITE;
         if (!read) return VARNPDF_TIFF_UNREADABLE;
         putPageObjects(index, shape);
@@ -242,7 +232,7 @@ private:
         out_->put("\r\n<< \r\n/Type /Page \r\n", "/Resources << /XObject << /I-", index, ' ', number + 1,
                   " 0 R >> /ProcSet [/PDF /ImageC] >> \r\n", "/MediaBox [0 0 ", page.width, ' ', page.height, "] \r\n",
                   "/Parent 3 0 R \r\n", "/Contents ", number + 2, " 0 R \r\n", ">>\r\nendobj\r\n");
-        std::string_view packed = bilevel_ ? runs_.finish() : deflater_.finish();
+        std::string_view packed = deflater_.finish();
         out_->startObject(number + 1);
         out_->put("\r\n<< /Type /XObject /Subtype /Image /Name /I-", index, " /Width ", shape.width, " /Height ",
                   shape.height, " /BitsPerComponent 8 /Filter /FlateDecode /ColorSpace /DeviceRGB /Length ",
@@ -265,8 +255,6 @@ private:
     ObjectFile* out_;
     TIFF* tif_;
     Deflater deflater_;
-    RunDeflater runs_;
-    bool bilevel_ = false;  ///< the page's samples are in `runs_`
 };
 
 }  // namespace

@@ -20,7 +20,6 @@ public:
     [[nodiscard]] std::uint64_t rowBytes() const noexcept { return (std::uint64_t{width_} * samples_ * bits_ + 7) / 8; }
     /// Rows of one bit a pixel, black and white.
     [[nodiscard]] bool isBilevel() const noexcept { return bilevel_; }
-    [[nodiscard]] unsigned char levelOfOne() const { return static_cast<unsigned char>(table_[1][0]); }
     /// Three bytes a pixel to `rgb`.
     void convert(const unsigned char* row, char* rgb) const;
 

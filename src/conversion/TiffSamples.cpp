@@ -38,10 +38,11 @@ public:
         rowsPerStrip = std::clamp<std::uint32_t>(rowsPerStrip, 1, shape_->height);
         // Whole strips are decoded faster; a long one is taken row by row.
         const bool whole = stride_ * rowsPerStrip <= 16 * kBandBytes;
+        const std::uint64_t longest = std::max<std::uint64_t>(stride_, std::uint64_t{3} * shape_->width);
         const auto bandRows =
-            static_cast<std::uint32_t>(std::clamp<std::uint64_t>(kBandBytes / stride_, 1, shape_->height));
+            static_cast<std::uint32_t>(std::clamp<std::uint64_t>(kBandBytes / longest, 1, shape_->height));
         const std::uint32_t step = whole ? rowsPerStrip : bandRows;
-        stored_.resize(stride_ * step + sizeof(std::uint64_t));
+        stored_.resize(stride_ * step);
         for (std::uint32_t row = 0; row < shape_->height; row += step) {
             const std::uint32_t count = std::min(step, shape_->height - row);
             if (!(whole ? strip(row, count) : lines(row, count))) return false;
@@ -62,12 +63,6 @@ private:
         return true;
     }
     bool converted(std::uint32_t count, std::uint32_t bandRows, const RowSink& sink) {
-        if (converter_->isBilevel()) {
-            for (std::uint32_t i = 0; i < count; ++i) {
-                if (!sink.bits(stored_.data() + stride_ * i, converter_->levelOfOne())) return false;
-            }
-            return true;
-        }
         const std::size_t rgbRow = std::size_t{3} * shape_->width;
         for (std::uint32_t first = 0; first < count; first += bandRows) {
             const std::uint32_t rows = std::min(bandRows, count - first);
@@ -75,7 +70,7 @@ private:
             for (std::uint32_t i = 0; i < rows; ++i) {
                 converter_->convert(stored_.data() + stride_ * (first + i), rgb_.data() + rgbRow * i);
             }
-            if (!sink.colours(rgb_)) return false;
+            if (!sink(rgb_)) return false;
         }
         return true;
     }
@@ -144,7 +139,7 @@ public:
             image_.row_offset = static_cast<int>(row);
             image_.col_offset = 0;
             if (TIFFRGBAImageGet(&image_, raster_.data(), shape_->width, now) == 0) return false;
-            if (!sink.colours(packed(std::size_t{now} * shape_->width))) return false;
+            if (!sink(packed(std::size_t{now} * shape_->width))) return false;
         }
         return true;
     }

@@ -19,14 +19,8 @@ struct TiffShape {
 /// Of the current directory; nothing in it when it has none or is too large.
 TiffShape shapeOf(TIFF* tif);
 
-/// What takes the rows; a result of false ends the reading.
-struct RowSink {
-    /// One or more whole rows of three bytes a pixel.
-    std::function<bool(std::string_view rows)> colours;
-    /// The rows of a black and white image come one by one as they are stored, eight pixels a byte, with eight readable
-    /// bytes behind; `one` is the level, 0 or 255, of a bit of 1.
-    std::function<bool(const unsigned char* row, unsigned char one)> bits;
-};
+/// Takes one or more whole rows of three bytes a pixel; a result of false ends the reading.
+using RowSink = std::function<bool(std::string_view rows)>;
 
 /// Reads the rows from the first to the last, a strip or a row of tiles at a time where the file allows it. False when
 /// a part cannot be decoded, needs too much memory, or the sink has had enough.
