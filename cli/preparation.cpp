@@ -49,24 +49,27 @@ std::optional<std::string> signingTime(const std::string& given) {
     return date;
 }
 
-bool isPng(const std::string& path) {
-    constexpr std::string_view kSignature("\x89PNG\r\n\x1A\n", 8);
+bool isPicture(const std::string& path) {
+    constexpr std::string_view kPng("\x89PNG\r\n\x1A\n", 8);
+    constexpr std::string_view kJpeg("\xFF\xD8\xFF");
     std::ifstream file(path, std::ios::binary);
     if (!file) {
         cli::complain(path, std::strerror(errno));
         return false;
     }
-    std::string start(kSignature.size(), '\0');
+    std::string start(kPng.size(), '\0');
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
-    if (start == kSignature) return true;
-    cli::complain(path, "this is no PNG image");
+    if (start == kPng || start.starts_with(kJpeg)) return true;
+    cli::complain(path, "this is neither a PNG nor a JPEG image");
     return false;
 }
 
 void addVisible(const cli::Parser& parser, cli::PreparationOptions& options) {
     cli::addPlacementOptions(parser, options.placement);
     const cli::Option size = parser.added("--size");
-    parser.option("--image", options.image, "Background (PNG, also with transparency)").needs(size).shownAs("PNG");
+    parser.option("--image", options.image, "Background (PNG, also with transparency, or JPEG)")
+        .needs(size)
+        .shownAs("FILE");
     parser.option("--text", options.texts, "A line of text, may be repeated; without a label: =VALUE")
         .single()
         .needs(size)
@@ -109,7 +112,7 @@ std::optional<cli::Preparation> cli::Preparation::from(const PreparationOptions&
     out.fontSize_ = options.fontSize;
     out.date_ = *date;
     out.lock_ = options.lock;
-    if (!out.takeTexts(options) || (!out.image_.empty() && !isPng(out.image_))) return std::nullopt;
+    if (!out.takeTexts(options) || (!out.image_.empty() && !isPicture(out.image_))) return std::nullopt;
     return out;
 }
 

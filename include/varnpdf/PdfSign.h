@@ -48,7 +48,8 @@ public:
     /// @param contentsSize  bytes reserved for the value
     /// @param reservedFlag  ignored
     /// @param appearanceOption2 not 0: additional layers /n1 and /n3
-    /// @param useImage,imageFile  not 0: background image, a PNG
+    /// @param useImage,imageFile  not 0: background image, a PNG or JPEG, told by its first bytes. A JPEG goes in as it
+    ///                      is (grey, colour or CMYK; an Exif orientation is not applied)
     /// @param fields,fieldCount   lines of text of the appearance
     /// @param lock          greater than 0: the signature locks the document's fields
     /// @param skipImageCheck the image is not examined for transparency

@@ -6,6 +6,7 @@
 #include "conversion/ObjectFile.h"
 #include "conversion/TextDocument.h"
 #include "conversion/TiffDocument.h"
+#include "support/JpegFrame.h"
 #include "varnpdf/Convert.h"
 
 namespace {

@@ -16,6 +16,7 @@
 #include "conversion/TiffDocument.h"
 #include "conversion/TiffMessages.h"
 #include "conversion/Utf8Text.h"
+#include "support/JpegFrame.h"
 #include "support/StagedFile.h"
 #include "varnpdf/Convert.h"
 #include "varnpdf/PdfDoc.h"
@@ -73,7 +74,8 @@ bool forEachBlock(std::FILE* file, Take take) {
 int convertJpeg(std::FILE* in, ObjectFile& out) {
     const std::optional<JpegFrame> frame = readFrame(in);
     const int length = GetFileSize_varnimg(in);
-    if (!frame || !frame->canBeShown() || length < 0) return VARNPDF_CONVERT_UNSUPPORTED;
+    const bool declared = frame && (frame->components == 1 || frame->components == 3);
+    if (!declared || !frame->isDct() || length < 0) return VARNPDF_CONVERT_UNSUPPORTED;
     putJpegHead(out, frame->width, frame->height, length, frame->components == 1);
     const std::uint64_t end = out.position() + static_cast<std::uint64_t>(length);
     const bool read = forEachBlock(in, [&](std::string_view bytes) {

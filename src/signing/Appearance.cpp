@@ -241,8 +241,7 @@ std::string jpegObject(int number, const JpegPlane& plane, std::string_view colo
 }  // namespace
 
 std::string imageObject(int number, const Appearance& form) {
-    return jpegObject(number, form.picture->colour,
-                      form.picture->grey ? "/ColorSpace /DeviceGray" : "/ColorSpace /DeviceRGB",
+    return jpegObject(number, form.picture->colour, form.picture->colourSpace,
                       form.mask == 0 ? std::string{} : text("/SMask ", form.mask, " 0 R\r\n"));
 }
 

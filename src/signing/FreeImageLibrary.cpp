@@ -1,4 +1,4 @@
-// FreeImage, loaded when the first image is.
+// FreeImage, loaded when the first PNG is.
 #include "signing/FreeImageLibrary.h"
 
 #include <dlfcn.h>
@@ -30,8 +30,7 @@ private:
 std::optional<FreeImageLibrary> loadLibrary() {
     Functions functions(dlopen(kName, RTLD_LAZY | RTLD_LOCAL));
     FreeImageLibrary library{};
-    functions.find(library.getFileType, "FreeImage_GetFileType");
-    functions.find(library.load, "FreeImage_Load");
+    functions.find(library.loadFromMemory, "FreeImage_LoadFromMemory");
     functions.find(library.unload, "FreeImage_Unload");
     functions.find(library.width, "FreeImage_GetWidth");
     functions.find(library.height, "FreeImage_GetHeight");

@@ -1,4 +1,4 @@
-// FreeImage, loaded when the first image is.
+// FreeImage, loaded when the first PNG is.
 #pragma once
 
 #include <FreeImage.h>
@@ -11,8 +11,7 @@ struct FreeImageLibrary {
     /// Null when the library, or a function of it, is not there.
     static const FreeImageLibrary* get();
 
-    decltype(&FreeImage_GetFileType) getFileType;
-    decltype(&FreeImage_Load) load;
+    decltype(&FreeImage_LoadFromMemory) loadFromMemory;
     decltype(&FreeImage_Unload) unload;
     decltype(&FreeImage_GetWidth) width;
     decltype(&FreeImage_GetHeight) height;

@@ -1,15 +1,16 @@
 // CPdf: widget, signature dictionary and appearance of a signature, written into the update.
 #include <unordered_set>
 
-#include "signing/Appearance.h"
-#include "support/Log.h"
-#include "syntax/Dates.h"
-#include "syntax/Encoding.h"
-#include "syntax/Text.h"
 #include "api/PdfState.h"
 #include "reader/Objects.h"
 #include "reader/Pages.h"
+#include "signing/Appearance.h"
+#include "signing/SignatureParts.h"
+#include "support/Log.h"
 #include "support/Loggers.h"
+#include "syntax/Dates.h"
+#include "syntax/Encoding.h"
+#include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfLockInfo.h"
 #include "varnpdf/PdfSign.h"
@@ -172,6 +173,7 @@ void CPdf::write_transp_mask(CPdfXRef& xref, const Appearance& form) {
 }
 
 void CPdf::WriteAP6(CPdfXRef& xref, const Appearance& form) {
+    logDebug(loggers::pdf, form.picture->colourType);
     beginEntry(xref);
     print(*state_, imageObject(form.image, form));
 }
@@ -200,6 +202,44 @@ bool CPdf::writeVisible(CPdfXRef& xref, const Appearance& form, FormfieldInfo_ta
     return true;
 }
 
+int Access::writeSignature(CPdf& pdf, const SignatureParts& parts) {
+    const int number = parts.widget->GetObjNum();
+    Appearance form{.width = parts.size[0], .height = parts.size[1], .rotation = parts.rotation};
+    int next = form.form = number + 2;
+    if (parts.visible) {
+        form.layers = parts.layers;
+        form.blank = number + 4;
+        next = form.blank + 1;
+        if (form.layers) form.question = next++;
+        form.text = next++;
+        form.picture = parts.picture;
+        if (form.picture != nullptr && form.picture->transparent) form.mask = next++;
+        if (form.picture != nullptr) form.image = next++;
+    } else {
+        ++next;
+    }
+
+    std::vector<std::string> names;
+    pdf.create_vectorlist_of_signatures(names);
+    logDebug(loggers::pdf, parts.visible ? "Sichtbare Signatur erzeugen" : "Unsichtbare Signatur erzeugen");
+    logDebug(loggers::pdf, ":Signature-Field");
+    CPdfXRefEntry entry;
+    pdf.write_annot(&entry, parts.widget, parts.page, parts.info, parts.rect, parts.mode, std::move(names),
+                    parts.fieldLock, parts.lock);
+    parts.xref->AddEntry(entry);
+    logDebug(loggers::pdf, ":Signature-Value-Field");
+    pdf.WriteSigBlock(&entry, number + 1, parts.widget->GetGenNumber(), parts.info, parts.reason, parts.location,
+                      parts.name, parts.signDate, parts.contentsSize, parts.lock);
+    parts.xref->AddEntry(entry);
+    if (!parts.visible) {
+        pdf.WriteAP7(*parts.xref, form);
+    } else if (!pdf.writeVisible(*parts.xref, form, parts.fields, parts.fieldCount)) {
+        return VARNPDF_COMPRESSING_FAILED;
+    }
+    if (parts.metadata != nullptr) pdf.WriteMetadata(*parts.xref, next, parts.metadata->content());
+    return VARNPDF_OK;
+}
+
 int CPdf::WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj* fieldLock, CPdfObj* metadata,
                          int mode, int visible, CPdfSigInfo* info, int* rect, int* size, int rotation,
                          int /*appearanceOption1*/, char* reason, char* location, char* name, char* signDate,
@@ -207,42 +247,30 @@ int CPdf::WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj
                          int /*existingSignatures*/, unsigned int contentsSize, int additionalLayers, int useImage,
                          char* imageFile, FormfieldInfo_tag* fields, int fieldCount, int transparentImage,
                          CPdfLockInfo* lock) {
-    const int number = widget->GetObjNum();
-    Appearance form{.width = size[0], .height = size[1], .rotation = rotation, .layers = additionalLayers != 0};
-    int next = form.form = number + 2;
     std::optional<JpegImage> picture;
-    if (visible != 0) {
-        form.blank = number + 4;
-        next = form.blank + 1;
-        if (form.layers) form.question = next++;
-        form.text = next++;
-        if (useImage != 0) {
-            picture = loadPng(imageFile, transparentImage != 0, loggers::pdf);
-            if (!picture) return VARNPDF_IMAGE_UNREADABLE;
-            form.picture = &*picture;
-            if (picture->transparent) form.mask = next++;
-            form.image = next++;
-        }
-    } else {
-        ++next;
+    if (visible != 0 && useImage != 0) {
+        picture = loadImage(imageFile, transparentImage != 0, loggers::pdf);
+        if (!picture) return VARNPDF_IMAGE_UNREADABLE;
     }
-
-    std::vector<std::string> names;
-    create_vectorlist_of_signatures(names);
-    logDebug(loggers::pdf, visible != 0 ? "Sichtbare Signatur erzeugen" : "Unsichtbare Signatur erzeugen");
-    logDebug(loggers::pdf, ":Signature-Field");
-    CPdfXRefEntry entry;
-    write_annot(&entry, widget, page, info, rect, mode, std::move(names), fieldLock, lock);
-    xref->AddEntry(entry);
-    logDebug(loggers::pdf, ":Signature-Value-Field");
-    WriteSigBlock(&entry, number + 1, widget->GetGenNumber(), info, reason, location, name, signDate, contentsSize,
-                  lock);
-    xref->AddEntry(entry);
-    if (visible == 0) {
-        WriteAP7(*xref, form);
-    } else if (!writeVisible(*xref, form, fields, fieldCount)) {
-        return VARNPDF_COMPRESSING_FAILED;
-    }
-    if (metadata != nullptr) WriteMetadata(*xref, next, metadata->content());
-    return VARNPDF_OK;
+    return Access::writeSignature(*this, {.xref = xref,
+                                          .widget = widget,
+                                          .page = page,
+                                          .fieldLock = fieldLock,
+                                          .metadata = metadata,
+                                          .mode = mode,
+                                          .visible = visible != 0,
+                                          .info = info,
+                                          .rect = rect,
+                                          .size = size,
+                                          .rotation = rotation,
+                                          .reason = reason,
+                                          .location = location,
+                                          .name = name,
+                                          .signDate = signDate,
+                                          .contentsSize = contentsSize,
+                                          .layers = additionalLayers != 0,
+                                          .picture = picture ? &*picture : nullptr,
+                                          .fields = fields,
+                                          .fieldCount = fieldCount,
+                                          .lock = lock});
 }

@@ -10,7 +10,7 @@
 #include "model/DictionaryEntry.h"
 #include "model/ObjectTable.h"
 #include "reader/SectionText.h"
-#include "signing/Image.h"
+#include "signing/SignatureParts.h"
 #include "support/ResultText.h"
 #include "syntax/Encoding.h"
 #include "syntax/Reference.h"
@@ -67,16 +67,13 @@ int Preparation::checkTexts() {
     return VARNPDF_OK;
 }
 
-int Preparation::examineImage() {
-    const bool wanted = request_.useImage && request_.visible() && request_.imageFile != nullptr;
-    if (!wanted || request_.skipImageCheck) return VARNPDF_OK;
-    const auto image = loadPng(request_.imageFile, true, logger_);
-    if (!image) {
-        logError(logger_, logtext::IMAGE_UNREADABLE);
-        return VARNPDF_IMAGE_UNREADABLE;
-    }
-    transparent_ = image->transparent;
-    return VARNPDF_OK;
+int Preparation::examineImage() { return request_.skipImageCheck ? VARNPDF_OK : loadPicture(true); }
+
+// Decoding and encoding a picture takes longer than all the rest, so that it is done once.
+int Preparation::loadPicture(bool examine) {
+    if (!request_.hasPicture() || picture_) return VARNPDF_OK;
+    picture_ = loadImage(request_.imageFile, examine, logger_);
+    return picture_ ? VARNPDF_OK : VARNPDF_IMAGE_UNREADABLE;
 }
 
 int Preparation::collectNames() {
@@ -157,8 +154,8 @@ void Preparation::reserve() {
         numbers_.lockParams = next++;
     }
     numbers_.widget = next;
-    const bool image = request_.useImage && request_.imageFile != nullptr;
-    next += request_.visible() ? 6 + (request_.layers ? 1 : 0) + (image ? 1 : 0) + (image && transparent_ ? 1 : 0) : 3;
+    const int image = request_.hasPicture() ? 1 : 0;
+    next += request_.visible() ? 6 + (request_.layers ? 1 : 0) + image + (hasMask() ? 1 : 0) : 3;
     if (metadata_) numbers_.metadata = next++;
     // Hosts count on the documented budget, which names both additional layers.
     constexpr int kVisibleBudget = 7;
@@ -185,7 +182,7 @@ void Preparation::logReserved() const {
                                    : "Unsichtbare Signatur: Lasse Platz fuer 3 neue Objekte "
                                      "(Annots-Array,SignAnnotWidget,SignDict)");
     }
-    if (transparent_) logDebug(logger_, "Lasse einen weiteren Platz, für transpPNG-Maske");
+    if (hasMask()) logDebug(logger_, "Lasse einen weiteren Platz, für transpPNG-Maske");
     if (metadata_) logDebug(logger_, "Lasse einen weiteren Platz, da Metadata-Objekt neu erzeugt wird.");
 }
 
@@ -235,13 +232,27 @@ int Preparation::writeObjects() {
     CPdfObj metadata;
     if (metadata_) metadata.setContent(*metadata_);
     int size[2] = {request_.size[0], request_.size[1]};
-    const int code = pdf_.WriteSignature(
-        &run, &widget, page_, lock_.get_use_locking() ? &fieldLock : nullptr, metadata_ ? &metadata : nullptr, 0,
-        request_.visible() ? 1 : 0, &info_, rect_, size, rotation_, request_.appearanceOption1, request_.reason,
-        request_.location, name_.data(), request_.signDate, names_.empty(), -1, -1, -1, -1,
-        static_cast<int>(names_.size()), request_.contentsSize, request_.layers ? 1 : 0,
-        request_.useImage && request_.imageFile != nullptr ? 1 : 0, request_.imageFile, request_.fields,
-        request_.fieldCount, transparent_ ? 1 : 0, &lock_);
+    if (const int code = loadPicture(false); code != VARNPDF_OK) return code;
+    const int code = Access::writeSignature(pdf_, {.xref = &run,
+                                                   .widget = &widget,
+                                                   .page = page_,
+                                                   .fieldLock = lock_.get_use_locking() ? &fieldLock : nullptr,
+                                                   .metadata = metadata_ ? &metadata : nullptr,
+                                                   .visible = request_.visible(),
+                                                   .info = &info_,
+                                                   .rect = rect_,
+                                                   .size = size,
+                                                   .rotation = rotation_,
+                                                   .reason = request_.reason,
+                                                   .location = request_.location,
+                                                   .name = name_.data(),
+                                                   .signDate = request_.signDate,
+                                                   .contentsSize = request_.contentsSize,
+                                                   .layers = request_.layers,
+                                                   .picture = picture_ ? &*picture_ : nullptr,
+                                                   .fields = request_.fields,
+                                                   .fieldCount = request_.fieldCount,
+                                                   .lock = &lock_});
     if (code != VARNPDF_OK) return code;
     xrefs.AddXRef(&run);
     return closeSection(xrefs);

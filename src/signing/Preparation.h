@@ -7,10 +7,11 @@
 #include <string_view>
 #include <vector>
 
-#include "support/Log.h"
 #include "api/PdfState.h"
 #include "reader/Objects.h"
 #include "reader/Pages.h"
+#include "signing/Image.h"
+#include "support/Log.h"
 #include "support/Loggers.h"
 #include "varnpdf/PdfLockInfo.h"
 #include "varnpdf/PdfSign.h"
@@ -37,6 +38,7 @@ struct SigningRequest {
     bool skipImageCheck = false;
 
     [[nodiscard]] bool visible() const noexcept { return size[0] > 0 && size[1] > 0; }
+    [[nodiscard]] bool hasPicture() const noexcept { return visible() && useImage && imageFile != nullptr; }
 };
 
 /// Works on copies of the document's objects; the document itself changes only by the numbers reserved in its table.
@@ -72,7 +74,9 @@ private:
     };
 
     int checkTexts();
+    int loadPicture(bool examine);
     int examineImage();
+    [[nodiscard]] bool hasMask() const noexcept { return picture_ && picture_->transparent; }
     int collectNames();
     int openTrailer();
     int findPage();
@@ -106,7 +110,7 @@ private:
     CPdfSigInfo info_;
     std::vector<std::string> names_;
     std::string name_;
-    bool transparent_ = false;
+    std::optional<JpegImage> picture_;
     CPdfObj* catalogue_ = nullptr;
     CPdfObj* page_ = nullptr;
     int pageBox_[4] = {};

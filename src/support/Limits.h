@@ -41,10 +41,13 @@ inline constexpr std::size_t kImageSide = 1'000'000;
 inline constexpr std::size_t kImagePixels = std::size_t{1} << 28U;
 /// Largest piece of a TIFF page that is held decoded at a time, and largest block that libtiff may allocate.
 inline constexpr std::size_t kImagePieceBytes = std::size_t{256} << 20U;
-/// What must be gone through for all pages of a TIFF together - samples, for black and white bits, what is decoded and
-/// what is read for it: one page of the largest size, and as much as deflate can unfold from the file.
+/// What must be gone through for all pages of a TIFF together - samples, what is decoded and what is read for it: one
+/// page of the largest size, and as much as deflate can unfold from the file.
 inline constexpr std::size_t kImageBytesBase = 3 * kImagePixels;
 inline constexpr std::size_t kImageBytesPerByte = 4'000;
+/// Background image of a signature: bytes of its file, and pixels, of which each takes four bytes when it is decoded.
+inline constexpr std::size_t kPictureBytes = std::size_t{256} << 20U;
+inline constexpr std::size_t kPicturePixels = 100'000'000;
 /// Levels of the field tree, and the length of a field's full name in bytes: far beyond what any form has.
 inline constexpr int kFieldDepth = 64;
 inline constexpr std::size_t kFieldNameBytes = 32'767;

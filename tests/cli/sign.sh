@@ -111,7 +111,7 @@ done <<'TABLE'
 2|--text: the character "日" \(U\+65E5\) cannot be written|--size 99,99 --text =日
 2|must not contain "%"|--size 99,99 --text 'a%=b'
 2|no "=" between|--size 99,99 --text ab
-2|no PNG image|--size 99,99 --image noimage.png
+2|neither a PNG nor a JPEG image|--size 99,99 --image noimage.png
 2|noimage: No such file|--size 99,99 --image noimage
 2|no date such as|--date 2026-02-29
 2|no width and height|--size 0,5

@@ -1,7 +1,7 @@
 // The form XObjects of a visible signature and its lines of text.
-#include <FreeImage.h>
 #include <gtest/gtest.h>
 
+#include "tests/signing/Pictures.h"
 #include "tests/signing/Signing.h"
 #include "varnpdf/PdfHelper.h"
 
@@ -65,33 +65,6 @@ TEST(TextLayer, Lines) {
               "q BT /T1_0 12 Tf 2 20.000000 Td (a) Tj ET Q\nq BT /T1_0 10 Tf 2 7.600000 Td (b) Tj ET Q\n");
 }
 
-enum class Png { Opaque, Transparent, Grey };
-
-std::string png(Png kind) {
-    FIBITMAP* const bitmap = FreeImage_Allocate(4, 2, kind == Png::Opaque ? 24 : kind == Png::Grey ? 8 : 32);
-    FIMEMORY* const memory = FreeImage_OpenMemory();
-    FreeImage_SaveToMemory(FIF_PNG, bitmap, memory, 0);
-    BYTE* data = nullptr;
-    DWORD size = 0;
-    FreeImage_AcquireMemory(memory, &data, &size);
-    std::string bytes(reinterpret_cast<char*>(data), size);
-    FreeImage_CloseMemory(memory);
-    FreeImage_Unload(bitmap);
-    return bytes;
-}
-
-/// An unfinished page whose box holds the signature, whatever its rotation.
-std::string document(int rotation) {
-    return PdfBuilder()
-        .object(1, "<< /Type /Catalog /Pages 2 0 R >>")
-        .object(2, "<< /Type /Pages /Kids [3 0 R] /Count 1 >>")
-        .object(3, "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] /Rotate " + std::to_string(rotation) + " >>")
-        .table()
-        .bytes();
-}
-
-const Request kVisible{.x = 10, .y = 20, .width = 100, .height = 40, .fields = {line("", "text", 0, 0, 10)}};
-
 std::string form(const char* box, const char* objects, const std::string& content) {
     return "<< /Length " + std::to_string(content.size()) + " /BBox [ 0 0 " + box +
            " ] /Resources << /ProcSet [ /PDF ] /XObject << " + objects +
@@ -100,7 +73,7 @@ std::string form(const char* box, const char* objects, const std::string& conten
 }
 
 TEST(Appearance, FormPaintsTheLayers) {
-    const TempFile image(png(Png::Opaque));
+    const TempFile image(picture(FIF_PNG, 24));
     const std::string upright = "q 1 0 0 1 0 0 cm\r\n1 0 0 1 0 0 cm ";
     const std::string quarter = "q 1 0 0 1 40 0 cm\r\n0 1 -1 0 0 0 cm ";
     const struct {
@@ -178,40 +151,6 @@ TEST(Appearance, OtherForms) {
                                           "]\r\n/Type /XObject \r\n   /FormType 1\r\n   /Length 0\r\n   /Resources "
                                           "<<\r\n   >>\r\n   /Subtype /Form\r\n   /BBox [0 0 0 0]\r\n>> \r\nstream\r\n"
                                           "\r\nendstream");
-    }
-}
-
-TEST(Appearance, Images) {
-    const struct {
-        Png kind;
-        bool skip;
-        const char* colour;
-        bool mask;
-    } rows[] = {{Png::Opaque, false, "/ColorSpace /DeviceRGB", false},
-                {Png::Transparent, false, "/ColorSpace /DeviceRGB", true},
-                {Png::Transparent, true, "/ColorSpace /DeviceRGB", false},
-                {Png::Grey, false, "/ColorSpace /DeviceGray", false}};
-    for (const auto& [kind, skip, colour, mask] : rows) {
-        const TempFile image(png(kind));
-        Request request = kVisible;
-        request.image = image.path();
-        request.skipImageCheck = skip;
-        OpenedPdf file(signedFile(document(0), request));
-        ASSERT_EQ(file.code, 0);
-        const auto golden = [](const std::string& body, const std::string& space, const std::string& more) {
-            const std::size_t begin = body.find("stream\r\n") + 8;
-            const std::size_t length = body.rfind("\r\nendstream") - begin;
-            std::string head =
-                "<< \r\n    /Type /XObject\r\n   /Subtype /Image\r\n   /Filter /DCTDecode\r\n   /Length ";
-            head.append(std::to_string(length));
-            head.append("\r\n   /Width 4\r\n   /Height 2\r\n   /BitsPerComponent 8\r\n   ").append(space);
-            head.append(" \r\n   ").append(more).append(" \r\n>>\r\nstream\r\n");
-            EXPECT_EQ(body.substr(0, begin), head);
-            EXPECT_EQ(body.substr(begin, 2), "\xFF\xD8");
-        };
-        if (mask) golden(file.body(16), "/ColorSpace /DeviceGray", "");
-        golden(file.body(mask ? 17 : 16), colour, mask ? "/SMask 16 0 R\r\n" : "");
-        EXPECT_EQ(file.body(mask ? 18 : 17), "-");
     }
 }
 
