@@ -36,6 +36,7 @@ Command addDss(const Parser& program);
 Command addAttach(const Parser& program);
 Command addAttachments(const Parser& program);
 Command addPortfolio(const Parser& program);
+Command addSelfcheck(const Parser& program);
 
 /// "varnpdf: WHAT: SENTENCE" on standard error. `what` may be any bytes.
 void complain(const std::string& what, const std::string& sentence);

@@ -17,6 +17,7 @@
 #include "varnpdf/PdfSigInfo.h"
 #include "varnpdf/PdfSign.h"
 #include "varnpdf/PdfText.h"
+#include "varnpdf/PdfTestObj.h"
 #include "varnpdf/PdfTrailer.h"
 #include "varnpdf/PdfXRef.h"
 #include "varnpdf/Sha.h"

@@ -25,6 +25,7 @@
     ROW(CPdfObjTransferListItem) \
     ROW(CPdfSigInfo)             \
     ROW(CPdfSign)                \
+    ROW(CPdfTestObj)             \
     ROW(CPdfText)                \
     ROW(CPdfTrailer)             \
     ROW(CPdfXRef)                \

@@ -7,7 +7,7 @@ root=${1:-${SOURCE_DIR:-$(cd "$(dirname "$0")/../.." && pwd)}}
 
 # One floor a line, ground floor first; rooms of one floor do not know each other. support carries syntax and digest.
 declare -A floor=(
-    [support]=0
+    [support]=0 [selfcheck]=0
     [syntax]=1 [digest]=1
     [model]=2
     [reader]=3
