@@ -6,6 +6,7 @@
 #include "command.h"
 #include "output.h"
 #include "varnpdf/PdfTestObj.h"
+#include "varnpdf/PdfText.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ Example:
 
 void putLines(const CPdfTestObj& check) {
     for (int i = 0; i < check.GetReaderNum(); ++i) {
-        const std::string failure = check.GetFailure(i);
+        const std::string failure = CPdfText::Printable(check.GetFailure(i));
         cli::put(check.GetLine(i) + (failure.empty() ? "" : "  " + failure) + '\n');
     }
 }

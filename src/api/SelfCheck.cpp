@@ -45,7 +45,7 @@ std::string shownNumber(int isFloat, float real, int integer) {
 // The first word of a row's input, which is then taken off.
 std::string takeWord(std::string& in) {
     const std::size_t end = in.find(' ');
-    const std::string word = in.substr(0, end);
+    std::string word = in.substr(0, end);
     in.erase(0, end + 1);
     return word;
 }
@@ -242,26 +242,28 @@ std::string addDictionaryEntry(std::string in) {
     return shown(result, object.content());
 }
 
-// What a lookup gives. Nothing is written behind the value.
+// What a lookup gives, and whether anything was written behind the value.
 std::string lookedUp(std::string in, const selfcheck::Lookup& how) {
     Room out(std::max<std::size_t>(in.size(), 1));
     int keyPos = -1, endPos = -1, length = 0;
     const int found = CPdfObj::ReadDictionaryEntry2(in.data(), lengthOf(in), how.key, out, &keyPos, &endPos, 0, &length,
                                                     how.namesAsValues, how.start);
-    return shown(found, keyPos, endPos, length, out.all());
+    const std::string_view all = out.all();
+    const std::size_t end = std::min(static_cast<std::size_t>(std::max(length, 0)), all.size());
+    const bool isClean = all.find_first_not_of('\0', end) == std::string_view::npos;
+    return shown(found, keyPos, endPos, length, all.substr(0, end), isClean ? "" : "and more");
 }
 
 Judgement judgeLookups() {
     Judgement judgement;
     for (const selfcheck::Lookup& row : selfcheck::kLookups) {
         ++judgement.cases;
-        std::string value = row.value == nullptr ? "" : row.value;
-        const auto length = value.size();
-        value.resize(std::max<std::size_t>(row.text.size(), 1));
-        const std::string expected = shown(row.value == nullptr ? 0 : 1, row.keyPos, row.endPos, length, value);
+        const std::string_view value = row.value == nullptr ? "" : row.value;
+        const std::string expected =
+            shown(row.value == nullptr ? 0 : 1, row.keyPos, row.endPos, value.size(), value, "");
         const std::string given = lookedUp(std::string(row.text), row);
         if (given != expected && judgement.failure.empty()) {
-            judgement.failure = text(row.text, " -> ", given, " instead of ", expected);
+            judgement.failure = text(row.text, " -> ", expected, ", given: ", given);
         }
     }
     return judgement;
