@@ -16,7 +16,6 @@
 
 namespace varnpdf {
 struct Access;
-struct Appearance;
 struct FieldReading;
 struct PdfState;
 }  // namespace varnpdf
@@ -340,17 +339,6 @@ public:
 private:
     friend struct varnpdf::Access;
 
-    void beginEntry(CPdfXRef& xref);
-    void WriteAP1(CPdfXRef& xref, const varnpdf::Appearance& form);
-    void WriteAP2(CPdfXRef& xref, const varnpdf::Appearance& form);
-    void WriteAP3(CPdfXRef& xref, const varnpdf::Appearance& form);
-    bool WriteAP5(CPdfXRef& xref, const varnpdf::Appearance& form, FormfieldInfo_tag* fields, int fieldCount);
-    void WriteAP6(CPdfXRef& xref, const varnpdf::Appearance& form);
-    void WriteAP7(CPdfXRef& xref, const varnpdf::Appearance& form);
-    bool Write_AdobeLayer(CPdfXRef& xref, const varnpdf::Appearance& form);
-    void write_transp_mask(CPdfXRef& xref, const varnpdf::Appearance& form);
-    void WriteMetadata(CPdfXRef& xref, int number, std::string_view content);
-    bool writeVisible(CPdfXRef& xref, const varnpdf::Appearance& form, FormfieldInfo_tag* fields, int fieldCount);
     void readFields(CPdfFieldContainer& container);
     void readField(CPdfObj& obj, varnpdf::FieldReading& reading);
     void readAppearances(CPdfFieldContainer& container);

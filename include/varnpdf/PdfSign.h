@@ -4,22 +4,14 @@
 #include <cstdint>
 #include <memory>
 
+#include "varnpdf/FormfieldInfo.h"
 #include "varnpdf/export.h"
 
 class CPdf;
 
 namespace varnpdf {
-struct SigningRequest;
+struct SignState;
 }
-
-/// One line of text of a visible signature.
-struct FormfieldInfo_tag {
-    int family;       ///< 0 Helvetica, 1 Times, 2 Courier; any other value is Helvetica
-    int style;        ///< 0 regular, 1 bold, 2 italic, 3 bold italic
-    int size;         ///< font size in points; 0 or less takes the largest that fits
-    char label[257];  ///< put in front with ": " when not empty; must not contain '%'
-    char value[257];  ///< WinAnsiEncoding
-};
 
 /// The two steps of a signature: `SignPDFFile` prepares the document in memory, the host has a value made over the
 /// prepared bytes, `SaveSignature` writes the signed file. One thread at a time; different objects are independent.
@@ -99,13 +91,5 @@ public:
     [[nodiscard]] std::uint32_t GetContentsOffset() const;
 
 private:
-    struct VARNPDF_HIDDEN FreeBytes {
-        void operator()(unsigned char* bytes) const noexcept;
-    };
-    VARNPDF_HIDDEN int prepare(CPdf& pdf, const varnpdf::SigningRequest& request, bool takeContent);
-
-    bool etsiSubFilter_ = true;
-    std::unique_ptr<unsigned char[], FreeBytes> prepared_;
-    std::uint32_t preparedLength_ = 0;
-    std::uint32_t contentsOffset_ = 0;
+    std::unique_ptr<varnpdf::SignState> state_;
 };

@@ -53,7 +53,7 @@ std::string_view lineEndOrCrLf(const Document& document) {
 }  // namespace
 
 SecurityStore::SecurityStore(Document& document, std::span<const pdf_dss_struct> records)
-    : document_(document), records_(records), lineEnd_(lineEndOrCrLf(document)), update_(document, lineEnd_) {}
+    : document_(document), records_(records), lineEnd_(lineEndOrCrLf(document)), update_(document, {.lineEnd = lineEnd_}) {}
 
 int SecurityStore::run() {
     if (const int code = openTrailer(); code != VARNPDF_OK) return code;

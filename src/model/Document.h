@@ -77,6 +77,9 @@ struct Document {
     Caches caches;
 };
 
+/// Takes the bytes out of a document that is given up; a copy of them when somebody else holds them too.
+Bytes releaseBytes(Document& document);
+
 /// How many bytes the streams of the document may still be inflated to.
 std::size_t inflateBudget(const Document& document) noexcept;
 

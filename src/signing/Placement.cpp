@@ -1,11 +1,9 @@
-// CPdfHelper: where a signature stands on its page, and whether a text may stand in a string.
-#include <cstring>
+// Where a signature stands on its page, and whether a text may stand in a string.
+#include "signing/Placement.h"
 
-#include "signing/TextLayer.h"
-#include "varnpdf/PdfHelper.h"
-#include "varnpdf/PdfSign.h"
 #include "varnpdf/result.h"
 
+namespace varnpdf {
 namespace {
 
 struct Extent {
@@ -16,9 +14,9 @@ struct Extent {
 enum PositionMode { kPercent = 0, kLowerLeft = 1, kUpperLeft = 2, kLowerRight = 3, kUpperRight = 4 };
 
 // The anchor in the coordinates of the page as it is seen.
-Extent anchor(Extent seen, int posMode, const int* pos) {
-    const long long x = pos[0];
-    const long long y = pos[1];
+Extent anchor(Extent seen, int posMode, const std::array<int, 2>& position) {
+    const long long x = position[0];
+    const long long y = position[1];
     switch (posMode) {
         case kPercent:
             return {seen.width * x / 100, seen.height * y / 100};
@@ -35,7 +33,9 @@ Extent anchor(Extent seen, int posMode, const int* pos) {
 
 }  // namespace
 
-int CPdfHelper::GetSignaturePos(int rotation, int* pageBox, int* size, int posMode, int* pos, int* rect) {
+std::optional<std::array<int, 4>> signatureRect(int rotation, const std::array<int, 4>& pageBox,
+                                                const std::array<int, 2>& size, int posMode,
+                                                const std::array<int, 2>& position) {
     const int turn = rotation % 360 / 90;
     const Extent page{static_cast<long long>(pageBox[2]) - pageBox[0], static_cast<long long>(pageBox[3]) - pageBox[1]};
     const bool upright = turn == 0 || turn == 2;
@@ -44,36 +44,32 @@ int CPdfHelper::GetSignaturePos(int rotation, int* pageBox, int* size, int posMo
     const long long w = size[0];
     const long long h = size[1];
     const bool fits = upright || quarter ? w <= seen.width && h <= seen.height : w == 0;
-    if (!fits) return 0;
+    if (!fits) return std::nullopt;
 
-    const auto [x, y] = anchor(seen, posMode, pos);
-    long long corners[4] = {x, y, x + w, y + h};
+    const auto [x, y] = anchor(seen, posMode, position);
+    std::array<long long, 4> corners{x, y, x + w, y + h};
     if (turn == 1) {
-        const long long turned[4] = {page.width - y - h, x, page.width - y, x + w};
-        std::memcpy(corners, turned, sizeof turned);
+        corners = {page.width - y - h, x, page.width - y, x + w};
     } else if (turn == 2) {
-        const long long turned[4] = {page.width - x, page.height - y, page.width - x - w, page.height - y - h};
-        std::memcpy(corners, turned, sizeof turned);
+        corners = {page.width - x, page.height - y, page.width - x - w, page.height - y - h};
     } else if (turn == 3) {
-        const long long turned[4] = {y, page.height - x - w, y + h, page.height - x};
-        std::memcpy(corners, turned, sizeof turned);
+        corners = {y, page.height - x - w, y + h, page.height - x};
     }
-    for (int i = 0; i < 4; ++i) {
+    std::array<int, 4> rect{};
+    for (std::size_t i = 0; i < rect.size(); ++i) {
         const long long most = i % 2 == 0 ? page.width : page.height;
-        if (corners[i] < 0 || corners[i] > most) return 0;
+        if (corners[i] < 0 || corners[i] > most) return std::nullopt;
+        rect[i] = static_cast<int>(corners[i]);
     }
-    for (int i = 0; i < 4; ++i) rect[i] = static_cast<int>(corners[i]);
-    return 1;
+    return rect;
 }
 
-int CPdfHelper::CheckThis(const char* text, int max) {
-    if (text == nullptr) return VARNPDF_OK;
-    const std::size_t length = std::strlen(text);
-    if (length > static_cast<std::size_t>(max < 0 ? 0 : max)) return VARNPDF_TEXT_TOO_LONG;
+int checkLiteral(std::string_view text, std::size_t most) {
+    if (text.size() > most) return VARNPDF_TEXT_TOO_LONG;
     int open = 0;
-    for (std::size_t i = 0; i < length; ++i) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '\\') {
-            if (++i == length) return VARNPDF_TEXT_BREAKS_STRING;
+            if (++i == text.size()) return VARNPDF_TEXT_BREAKS_STRING;
         } else if (text[i] == '(') {
             ++open;
         } else if (text[i] == ')' && --open < 0) {
@@ -83,16 +79,13 @@ int CPdfHelper::CheckThis(const char* text, int max) {
     return open == 0 ? VARNPDF_OK : VARNPDF_TEXT_BREAKS_STRING;
 }
 
-int CPdfHelper::GetTextStreamLayer(char* buffer, int* length, int width, int height, FormfieldInfo_tag* fields,
-                                   int fieldCount) {
-    const std::string layer = varnpdf::textLayer(width, height, fields, fieldCount);
-    if (buffer != nullptr) std::memcpy(buffer, layer.c_str(), layer.size() + 1);
-    if (length != nullptr) *length = static_cast<int>(layer.size());
-    return 0;
+std::string escapedLiteral(std::string_view text) {
+    std::string out;
+    for (const char c : text) {
+        if (c == '(' || c == ')' || c == '\\') out.push_back('\\');
+        out.push_back(c);
+    }
+    return out;
 }
 
-int CPdfHelper::IntFontname(char* out, int family, int style) {
-    const std::string name = varnpdf::fontName(family, style);
-    if (out != nullptr) std::memcpy(out, name.c_str(), name.size() + 1);
-    return 0;
-}
+}  // namespace varnpdf

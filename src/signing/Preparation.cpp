@@ -2,69 +2,69 @@
 #include "signing/Preparation.h"
 
 #include <algorithm>
-#include <cstring>
-#include <fstream>
 #include <limits>
-#include <memory>
 
+#include "inspection/Signatures.h"
 #include "model/DictionaryEntry.h"
-#include "model/ObjectTable.h"
-#include "reader/SectionText.h"
-#include "signing/SignatureParts.h"
+#include "model/Lookup.h"
+#include "reader/Objects.h"
+#include "reader/Pages.h"
+#include "signing/Placement.h"
+#include "support/Loggers.h"
 #include "support/ResultText.h"
 #include "syntax/Encoding.h"
 #include "syntax/Reference.h"
 #include "syntax/Text.h"
-#include "varnpdf/PdfHelper.h"
 #include "varnpdf/result.h"
-#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {
 
-constexpr int kTextLength = 256;
+constexpr std::size_t kTextLength = 256;
+constexpr auto kMostBytes = static_cast<std::size_t>(std::numeric_limits<int>::max());
+constexpr int kMostNumber = std::numeric_limits<int>::max() - 1000;
 
-std::string escapedName(const char* name) {
-    const std::size_t length = name == nullptr ? 0 : std::strlen(name);
-    std::string out(2 * length + 1, '\0');
-    if (length > 0) CPdfHelper::CreateLiteralEscapeSeq(name, out.data());
-    out.resize(std::strlen(out.c_str()));
-    return out;
+// The number that new objects begin with: /Size where it is not below the highest number in use, so that a file whose
+// /Size equals that number gives it away. Hosts have such files, and know the numbers.
+int firstNumber(const Document& document) {
+    const int size = document.newest ? document.newest->GetSize() : 0;
+    const int highest = std::min(document.objects.maxObjectNumber(), kMostNumber);
+    return size >= highest ? size : highest + 1;
 }
 
 }  // namespace
 
+Preparation::Preparation(Document& document, const SigningRequest& request)
+    : document_(document),
+      request_(request),
+      update_(document, {.firstLine = Update::FirstLine::Always, .firstNumber = firstNumber(document)}) {}
+
 int Preparation::run() {
-    logDebug(logger_, "entering CPdfSign::DummySign");
-    if (request_.lock) lock_.set_use_locking(1);
+    logDebug(loggers::sign, "entering CPdfSign::DummySign");
     using Step = int (Preparation::*)();
     for (const Step step :
          {&Preparation::checkTexts, &Preparation::examineImage, &Preparation::collectNames, &Preparation::openTrailer,
-          &Preparation::updateMetadata, &Preparation::findPage, &Preparation::decideForm}) {
+          &Preparation::updateMetadata, &Preparation::findPage, &Preparation::decideForm, &Preparation::reserve}) {
         if (const int code = (this->*step)(); code != VARNPDF_OK) return code;
     }
-    reserve();
     updateInfo();
     updateForm();
-    updateAnnots();
-    writeLocks();
     updateCatalogue();
-    if (const int code = writeObjects(); code != VARNPDF_OK) return code;
-    return fillByteRange();
+    logDebug(loggers::sign, "CRLF nach %%eof angefuegt!");
+    for (const Step step : {&Preparation::updateAnnots, &Preparation::writeLocks, &Preparation::writeObjects,
+                            &Preparation::closeSection, &Preparation::fillByteRange}) {
+        if (const int code = (this->*step)(); code != VARNPDF_OK) return code;
+    }
+    return VARNPDF_OK;
 }
 
 int Preparation::checkTexts() {
-    if (const int code = CPdfHelper::CheckThis(request_.location, kTextLength); code != VARNPDF_OK) return code;
-    if (const int code = CPdfHelper::CheckThis(request_.reason, kTextLength); code != VARNPDF_OK) return code;
-    // The escaper leaves the first byte and a byte behind a backslash alone; a name can still break out.
-    name_ = escapedName(request_.name);
-    // What counts is the text as it is written: an overlong UTF-8 sequence can become a parenthesis.
-    const std::string written = latin1FromUtf8(name_).text;
-    for (const char* const text : {written.c_str(), static_cast<const char*>(request_.signDate)}) {
-        if (const int code = CPdfHelper::CheckThis(text, std::numeric_limits<int>::max()); code != VARNPDF_OK)
-            return code;
+    for (const char* const text : {request_.location, request_.reason}) {
+        if (const int code = checkLiteral(viewOf(text), kTextLength); code != VARNPDF_OK) return code;
     }
-    return VARNPDF_OK;
+    // Escaped as it is written: an overlong UTF-8 sequence can become a parenthesis.
+    name_ = escapedLiteral(latin1FromUtf8(viewOf(request_.name)).text);
+    return checkLiteral(viewOf(request_.signDate), kMostBytes);
 }
 
 int Preparation::examineImage() { return request_.skipImageCheck ? VARNPDF_OK : loadPicture(true); }
@@ -72,246 +72,177 @@ int Preparation::examineImage() { return request_.skipImageCheck ? VARNPDF_OK : 
 // Decoding and encoding a picture takes longer than all the rest, so that it is done once.
 int Preparation::loadPicture(bool examine) {
     if (!request_.hasPicture() || picture_) return VARNPDF_OK;
-    picture_ = loadImage(request_.imageFile, examine, logger_);
+    picture_ = loadImage(request_.imageFile, examine, loggers::sign);
     return picture_ ? VARNPDF_OK : VARNPDF_IMAGE_UNREADABLE;
 }
 
 int Preparation::collectNames() {
-    pdf_.PdfGetNumSignatures();
-    pdf_.create_vectorlist_of_signatures(names_);
-    info_.SetSigNum(static_cast<int>(names_.size()) + 1);
+    signatureFields(document_);
+    names_ = signatureFieldNames(document_);
     std::vector<std::string> sorted = names_;
     std::sort(sorted.begin(), sorted.end());
     if (std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end()) return VARNPDF_OK;
-    logError(logger_, logtext::DOUBLE_FIELD_NAME);
+    logError(loggers::sign, logtext::DOUBLE_FIELD_NAME);
     return VARNPDF_DOUBLE_FIELD_NAME;
 }
 
 int Preparation::openTrailer() {
-    const CPdfTrailer* const trailer = pdf_.GetLastTrailer();
-    if (trailer == nullptr || pdf_.GetUpdateTrailer() == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
-    if (pdf_.PdfIsEncrypted() == 1) return VARNPDF_PDF_ENCRYPTED;
-    catalogue_ = referencedObject(documentOf(pdf_), trailer->root());
+    const CPdfTrailer* const trailer = document_.newest.get();
+    if (trailer == nullptr || !document_.update) return VARNPDF_TRAILER_INCOMPLETE;
+    if (document_.encrypted) return VARNPDF_PDF_ENCRYPTED;
+    catalogue_ = referencedObject(document_, trailer->root());
     if (catalogue_ == nullptr || catalogue_->content().empty()) return VARNPDF_TRAILER_INCOMPLETE;
-    // A file whose /Size equals its highest number keeps the number it gives away.
-    constexpr int kMostNumber = std::numeric_limits<int>::max() - 1000;
-    const int highest = pdf_.get_max_obj_num_from_map();
-    if (std::max(trailer->GetSize(), highest) > kMostNumber) return VARNPDF_TRAILER_INCOMPLETE;
-    numbers_.next = trailer->GetSize() >= highest ? trailer->GetSize() : highest + 1;
-    pdf_.SetObjNum(numbers_.next);
-    return VARNPDF_OK;
+    const int highest = document_.objects.maxObjectNumber();
+    return std::max(trailer->GetSize(), highest) > kMostNumber ? VARNPDF_TRAILER_INCOMPLETE : VARNPDF_OK;
 }
 
 int Preparation::findPage() {
-    CPdfObj* const root = referencedObject(documentOf(pdf_), entryValue(catalogue_->content(), "/Pages"));
+    CPdfObj* const root = pagesRoot(document_, *catalogue_);
     if (root == nullptr) return VARNPDF_TRAILER_INCOMPLETE;
-    const std::string_view value = entryValue(root->content(), "/Count");
+    const std::string_view value = lookUpValue(root->content(), "/Count");
     const auto reference = isReference2(value);
-    auto count = reference ? referencedNumber(documentOf(pdf_), reference->number) : std::nullopt;
+    auto count = reference ? referencedNumber(document_, reference->number) : std::nullopt;
     // A reference that leads to no number still says that there are pages; the page wanted may be there.
     if (!count) count = Cursor(value).takeInt();
     if (!count) return VARNPDF_PAGE_COUNT_MISSING;
     if (*count <= 0) return VARNPDF_NO_PAGE;
+    const auto& pages = pagesBelow(document_, *root);
     const int index = request_.page < 0 || request_.page >= *count ? *count - 1 : request_.page;
-    page_ = pdf_.GetPdfPageObject(root, index, pageBox_, &rotation_);
-    if (page_ == nullptr) return VARNPDF_PAGE_NOT_FOUND;
+    if (static_cast<std::size_t>(index) >= pages.size()) return VARNPDF_PAGE_NOT_FOUND;
+    page_ = pages[static_cast<std::size_t>(index)];
+    const auto [box, rotation] = pageAttributes(document_, *page_);
+    rotation_ = rotation;
     if (!request_.visible()) return VARNPDF_OK;
-    int size[2] = {request_.size[0], request_.size[1]};
-    int position[2] = {request_.position[0], request_.position[1]};
-    const int fits = CPdfHelper::GetSignaturePos(rotation_, pageBox_, size, request_.posMode, position, rect_);
-    return fits == 1 ? VARNPDF_OK : VARNPDF_OUTSIDE_PAGE;
+    const auto rect = signatureRect(rotation, box, request_.size, request_.posMode, request_.position);
+    if (!rect) return VARNPDF_OUTSIDE_PAGE;
+    rect_ = *rect;
+    return VARNPDF_OK;
 }
-
-CPdfObj& Preparation::changed(CPdfObj& original) {
-    const auto [it, added] = changed_.try_emplace(original.GetObjNum());
-    if (added) it->second.CopyFrom(&original);
-    return it->second;
-}
-
-CPdfObj* Preparation::changedReference(std::string_view value) {
-    CPdfObj* const original = referencedObject(documentOf(pdf_), value);
-    return original == nullptr || original->content().empty() ? nullptr : &changed(*original);
-}
-
-void Preparation::addNew(int number, std::string text) { new_[number] = std::move(text); }
 
 // Every number gets a place in the table before anything is written. The widget and what is numbered relative to it
 // come last; the cross-reference stream of the update takes the number behind them.
-void Preparation::reserve() {
-    int& next = numbers_.next;
-    numbers_.annots = next++;
+int Preparation::reserve() {
+    numbers_.annots = update_.reserve();
     if (!hasForm_) {
-        numbers_.fields = next++;
-        numbers_.form = next++;
+        numbers_.fields = update_.reserve();
+        numbers_.form = update_.reserve();
     }
     if (needsFonts_) {
-        numbers_.helvetica = next++;
-        numbers_.symbols = next++;
-        numbers_.encoding = next++;
+        numbers_.helvetica = update_.reserve();
+        numbers_.symbols = update_.reserve();
+        numbers_.encoding = update_.reserve();
     }
-    if (lock_.get_use_locking()) {
-        numbers_.fieldLock = next++;
-        numbers_.lockParams = next++;
+    if (request_.lock) {
+        numbers_.fieldLock = update_.reserve();
+        numbers_.lockParams = update_.reserve();
     }
-    numbers_.widget = next;
-    const int image = request_.hasPicture() ? 1 : 0;
-    next += request_.visible() ? 6 + (request_.layers ? 1 : 0) + image + (hasMask() ? 1 : 0) : 3;
-    if (metadata_) numbers_.metadata = next++;
+    const int picture = request_.hasPicture() ? 1 : 0;
+    int count = request_.visible() ? 6 + (request_.layers ? 1 : 0) + picture + (hasMask() ? 1 : 0) : 3;
+    numbers_.metadata = metadata_ ? update_.next() + count++ : 0;
     // Hosts count on the documented budget, which names both additional layers.
     constexpr int kVisibleBudget = 7;
-    if (request_.visible()) next = std::max(next, numbers_.widget + kVisibleBudget);
-    for (int number = numbers_.annots; number < next; ++number) {
-        if (pdf_.get_pdf_obj_from_map(number) != nullptr) continue;
-        auto object = std::make_unique<CPdfObj>(number, 0, -1, -1);
-        pdf_.set_pdf_obj_to_map(number, object.get());
-        // A table that is full takes no more, and the object stays ours.
-        if (pdf_.get_pdf_obj_from_map(number) == object.get()) static_cast<void>(object.release());
+    numbers_.widget = update_.reserve(request_.visible() ? std::max(count, kVisibleBudget) : count);
+    for (int number = numbers_.annots; number < update_.next(); ++number) {
+        CPdfObj* const reserved = document_.objects.create(number);
+        if (reserved != nullptr) reserved->SetObjNum(number);
+        if (reserved != nullptr) reserved->SetGenNumber(0);
     }
     logReserved();
+    return VARNPDF_OK;
 }
 
 void Preparation::logReserved() const {
     if (request_.visible()) {
-        logDebug(logger_, hasForm_ ? "Sichtb. Signatur: Lasse Platz fuer 8 neue Objekte "
-                                     "(Annots-Array,SignAnnotWidget,SignDict,APDict, n0,n1,n2,n3)"
-                                   : "Sichtbare Signatur: Lasse Platz fuer 8 neue Objekte "
-                                     "(Annots-Array,SignAnnotWidget,SignDict,APDict, n0,n1,n2,n3)");
+        logDebug(loggers::sign, hasForm_ ? "Sichtb. Signatur: Lasse Platz fuer 8 neue Objekte "
+                                           "(Annots-Array,SignAnnotWidget,SignDict,APDict, n0,n1,n2,n3)"
+                                         : "Sichtbare Signatur: Lasse Platz fuer 8 neue Objekte "
+                                           "(Annots-Array,SignAnnotWidget,SignDict,APDict, n0,n1,n2,n3)");
     } else {
-        logDebug(logger_, hasForm_ ? "Unsichtb. Signatur: Lasse Platz fuer 3 neue Objekte "
-                                     "(Annots-Array,SignAnnotWidget,SignDict)"
-                                   : "Unsichtbare Signatur: Lasse Platz fuer 3 neue Objekte "
-                                     "(Annots-Array,SignAnnotWidget,SignDict)");
+        logDebug(loggers::sign, hasForm_ ? "Unsichtb. Signatur: Lasse Platz fuer 3 neue Objekte "
+                                           "(Annots-Array,SignAnnotWidget,SignDict)"
+                                         : "Unsichtbare Signatur: Lasse Platz fuer 3 neue Objekte "
+                                           "(Annots-Array,SignAnnotWidget,SignDict)");
     }
-    if (hasMask()) logDebug(logger_, "Lasse einen weiteren Platz, für transpPNG-Maske");
-    if (metadata_) logDebug(logger_, "Lasse einen weiteren Platz, da Metadata-Objekt neu erzeugt wird.");
+    if (hasMask()) logDebug(loggers::sign, "Lasse einen weiteren Platz, für transpPNG-Maske");
+    if (metadata_) logDebug(loggers::sign, "Lasse einen weiteren Platz, da Metadata-Objekt neu erzeugt wird.");
 }
 
-void Preparation::writeLocks() {
-    if (!lock_.get_use_locking()) return;
-    logDebug(logger_, "XREF Locking-Objekte erstellen (sigfieldlock und TransformParams)");
-    const char* const action = lock_.get_actionvalue() == eInclude   ? "/Include"
-                               : lock_.get_actionvalue() == eExclude ? "/Exclude"
-                                                                     : "/All";
-    logDebug(logger_, "Erzeuge Lock-Objekt 1 (signature field lock dict)");
-    addNew(numbers_.fieldLock, text(numbers_.fieldLock, " 0 obj\r\n% neues sig field lock dict-Objekt\r\n<<\r\n",
-                                    "/Type /SigFieldLock\r\n/Action ", action, "\r\n/P 1\r\n>>\r\nendobj\r\n"));
-    logDebug(logger_, "Erzeuge Lock-Objekt 2 (Transform-Params)");
-    addNew(numbers_.lockParams, text(numbers_.lockParams, " 0 obj\r\n<<\r\n/Type /TransformParams\r\n/Action ", action,
-                                     "\r\n/V /1.2\r\n>>\r\nendobj\r\n"));
-    lock_.set_transformmethod(eFieldMDP);
-    lock_.set_transformparamsobjid(numbers_.lockParams);
-    lock_.set_digestalgo(eMD5);
-    lock_.set_objid_data(catalogue_->GetObjNum());
+int Preparation::writeLocks() {
+    if (!request_.lock) return VARNPDF_OK;
+    logDebug(loggers::sign, "XREF Locking-Objekte erstellen (sigfieldlock und TransformParams)");
+    logDebug(loggers::sign, "Erzeuge Lock-Objekt 1 (signature field lock dict)");
+    update_.put(numbers_.fieldLock, text(numbers_.fieldLock, " 0 obj\r\n% neues sig field lock dict-Objekt\r\n<<\r\n",
+                                         "/Type /SigFieldLock\r\n/Action /All\r\n/P 1\r\n>>\r\nendobj\r\n"));
+    logDebug(loggers::sign, "Erzeuge Lock-Objekt 2 (Transform-Params)");
+    update_.put(numbers_.lockParams, text(numbers_.lockParams, " 0 obj\r\n<<\r\n",
+                                          "/Type /TransformParams\r\n/Action /All\r\n/V /1.2\r\n>>\r\nendobj\r\n"));
+    return VARNPDF_OK;
+}
+
+SignatureObjects Preparation::objects() const {
+    SignatureObjects out{
+        .widget = {.ref = {numbers_.widget, 0},
+                   .page = {page_->GetObjNum(), page_->GetGenNumber()},
+                   .rect = rect_,
+                   .fieldNumber = static_cast<int>(names_.size()) + 1},
+        .value = {.ref = {numbers_.widget + 1, 0},
+                  .reason = viewOf(request_.reason),
+                  .location = viewOf(request_.location),
+                  .name = name_,
+                  .date = viewOf(request_.signDate),
+                  .etsi = request_.etsi,
+                  .contentsSize = request_.contentsSize},
+        .visible = request_.visible(),
+        .size = request_.size,
+        .rotation = rotation_,
+        .layers = request_.layers,
+        .picture = picture_ ? &*picture_ : nullptr,
+        .fields = request_.fields};
+    if (request_.lock) {
+        out.widget.lock = ObjectRef{numbers_.fieldLock, 0};
+        out.value.reference = SignatureReference{"FieldMDP", numbers_.lockParams, "MD5", catalogue_->GetObjNum()};
+    }
+    if (metadata_) out.metadata = *metadata_;
+    return out;
 }
 
 int Preparation::writeObjects() {
-    constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<int>::max());
-    if (documentOf(pdf_).length + std::size_t{2} * request_.contentsSize > kMost) return VARNPDF_BYTE_RANGE_TOO_LONG;
-    pdf_.ResetByteStream(pdf_.GetContentLen());
-    logDebug(logger_, "CRLF nach %%eof angefuegt!");
-    print(Access::state(pdf_), "\r\n");
-    CPdfXRefContainer xrefs;
-    const auto write = [&](int number, int generation, std::string_view content) {
-        addObjectEntry(xrefs, number, generation, filePosition(Access::state(pdf_)));
-        print(Access::state(pdf_), objectText(number, generation, content));
-    };
-    for (const auto& [number, object] : changed_) {
-        if (pdf_.get_pdf_obj_from_map(number) == nullptr) return VARNPDF_UPDATE_OBJECT_MISSING;
-        write(number, std::max(object.GetGenNumber(), 0), object.content());
-    }
-    for (const auto& [number, content] : new_) {
-        if (pdf_.get_pdf_obj_from_map(number) == nullptr) return VARNPDF_UPDATE_OBJECT_MISSING;
-        write(number, 0, content);
-    }
-
-    CPdfXRef run;
-    run.SetRefStart(numbers_.widget);
-    run.SetIsFree(0);
-    CPdfObj widget(numbers_.widget, 0, -1, -1);
-    CPdfObj fieldLock(numbers_.fieldLock, 0, -1, -1);
-    CPdfObj metadata;
-    if (metadata_) metadata.setContent(*metadata_);
-    int size[2] = {request_.size[0], request_.size[1]};
+    if (document_.length + std::size_t{2} * request_.contentsSize > kMostBytes) return VARNPDF_BYTE_RANGE_TOO_LONG;
     if (const int code = loadPicture(false); code != VARNPDF_OK) return code;
-    const int code = Access::writeSignature(pdf_, {.xref = &run,
-                                                   .widget = &widget,
-                                                   .page = page_,
-                                                   .fieldLock = lock_.get_use_locking() ? &fieldLock : nullptr,
-                                                   .metadata = metadata_ ? &metadata : nullptr,
-                                                   .visible = request_.visible(),
-                                                   .info = &info_,
-                                                   .rect = rect_,
-                                                   .size = size,
-                                                   .rotation = rotation_,
-                                                   .reason = request_.reason,
-                                                   .location = request_.location,
-                                                   .name = name_.data(),
-                                                   .signDate = request_.signDate,
-                                                   .contentsSize = request_.contentsSize,
-                                                   .layers = request_.layers,
-                                                   .picture = picture_ ? &*picture_ : nullptr,
-                                                   .fields = request_.fields,
-                                                   .fieldCount = request_.fieldCount,
-                                                   .lock = &lock_});
-    if (code != VARNPDF_OK) return code;
-    xrefs.AddXRef(&run);
-    return closeSection(xrefs);
-}
-
-int Preparation::closeSection(CPdfXRefContainer& xrefs) {
-    CPdfTrailer& trailer = *pdf_.GetUpdateTrailer();
-    const CPdfTrailer& last = *pdf_.GetLastTrailer();
-    xrefs.SortXRefList();
-    if (!last.GetIsCrossRefStream()) {
-        // One more than the highest number written (ISO 32000-2 table 15), not than the highest one reserved.
-        const CPdfXRef& highest = xrefs.GetXRef()[xrefs.GetXRefNum() - 1];
-        trailer.SetSize(std::max(trailer.GetSize(), highest.GetRefStart() + highest.GetRefNum()));
-        pdf_.WriteTrailer(&xrefs, &trailer, true, true);
-        return VARNPDF_OK;
-    }
-    logDebug(logger_, "xrefStream!");
-    logDebug(logger_, "2019er: /W einlesen aus altem Trailer !!!");
-    const int number = numbers_.next;
-    const std::size_t section = filePosition(Access::state(pdf_));
-    CPdfXRefEntry entry;
-    entry.SetPos(static_cast<int>(section));
-    CPdfXRef run;
-    run.AddEntry(entry);
-    run.SetRefStart(number);
-    xrefs.AddXRef(&run);
-    trailer.SetSize(std::max(trailer.GetSize(), number + 1));
-    trailer.UpdateId(true);
-    if (trailer.id().empty()) logDebug(logger_, "ID des Dokuments ist leer, setze [] ein.");
-    const StreamFields fields = fieldsFor(xrefs, entryValue(keyText(last), "/W"));
-    const auto stream = crossReferenceStream(xrefs, trailer, number, fields, section);
-    if (!stream) {
-        logError(logger_, logtext::COMPRESSING_FAILED);
+    update_.writeWaiting();
+    const auto written = appendSignature(update_.tail(), objects(), names_);
+    if (!written) {
+        logError(loggers::sign, logtext::COMPRESSING_FAILED);
         return VARNPDF_COMPRESSING_FAILED;
     }
-    logDebug(logger_, "Stream gepackt");
-    print(Access::state(pdf_), *stream);
+    int number = numbers_.widget;
+    for (const std::size_t offset : written->offsets) {
+        update_.record(number, 0, offset, number > numbers_.widget);
+        ++number;
+    }
+    room_ = written->room;
     return VARNPDF_OK;
+}
+
+int Preparation::closeSection() {
+    const bool isStream = update_.closesWithStream(Update::Section::LikeDocument);
+    if (isStream) {
+        logDebug(loggers::sign, "xrefStream!");
+        logDebug(loggers::sign, "2019er: /W einlesen aus altem Trailer !!!");
+        if (document_.update->id().empty()) logDebug(loggers::sign, "ID des Dokuments ist leer, setze [] ein.");
+    }
+    const int code = update_.close({.joinRuns = false, .longest = kMostBytes});
+    if (isStream && code == VARNPDF_OK) logDebug(loggers::sign, "Stream gepackt");
+    return code == VARNPDF_PDF_MAXSIZE ? VARNPDF_BYTE_RANGE_TOO_LONG : code;
 }
 
 // The numbers replace blanks in place, so that no other byte moves.
 int Preparation::fillByteRange() {
-    constexpr std::size_t kRoom = 30;
-    const std::size_t total = filePosition(Access::state(pdf_));
-    info_.SetLen1(static_cast<int>(total - roomEnd()));
-    const std::string range =
-        text(' ', info_.GetOffset0(), ' ', info_.GetLen0(), ' ', info_.GetOffset1(), ' ', info_.GetLen1());
-    if (range.size() > kRoom || total > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-        return VARNPDF_BYTE_RANGE_TOO_LONG;
-    }
-    const unsigned end = Access::state(pdf_).output.tell();
-    Access::state(pdf_).output.setseek(static_cast<unsigned>(info_.GetRangePos()));
-    print(Access::state(pdf_), range);
-    Access::state(pdf_).output.setseek(end);
+    const std::size_t total = update_.position();
+    const std::string range = text(" 0 ", room_.begin, ' ', room_.end, ' ', total - room_.end);
+    if (range.size() > SignatureRoom::kByteRange || total > kMostBytes) return VARNPDF_BYTE_RANGE_TOO_LONG;
+    update_.tail().text.replace(room_.byteRange - document_.length, range.size(), range);
     return VARNPDF_OK;
-}
-
-std::string_view Preparation::tail() const noexcept {
-    return {reinterpret_cast<const char*>(Access::state(pdf_).output.data()), Access::state(pdf_).output.tell()};
 }
 
 }  // namespace varnpdf

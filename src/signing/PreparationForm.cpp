@@ -2,12 +2,14 @@
 #include <algorithm>
 
 #include "model/DictionaryEntry.h"
+#include "model/Lookup.h"
+#include "reader/Pages.h"
 #include "signing/Preparation.h"
-#include "support/Text.h"
+#include "support/Loggers.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
 #include "varnpdf/result.h"
 #include "writer/RefArray.h"
-#include "writer/SectionTexts.h"
 
 namespace varnpdf {
 namespace {
@@ -30,19 +32,15 @@ constexpr std::string_view kDifferences =
     "/ntilde /ograve /oacute /ocircumflex /otilde /odieresis /divide /oslash /ugrave /uacute \r\n"
     "/ucircumflex /udieresis /yacute /thorn /ydieresis ] \r\n";
 
-constexpr const char* kDefaultAppearance = "(/Helv 0 Tf 0 g )";
+constexpr std::string_view kDefaultAppearance = "(/Helv 0 Tf 0 g )";
 
-// White space behind the old value stays. The value may hold NULs.
-void replaceEntry(CPdfObj& object, std::string_view key, std::string_view value) {
-    const std::string_view old = object.content();
-    const auto entry = findLaterEntry(old, key);
-    if (!entry) return;
-    const std::size_t end = entry->value.begin + entry->value.of(old).find_last_not_of(" \t\r\n\f\a") + 1;
-    object.setContent(text(old.substr(0, entry->key), key, ' ', value, old.substr(end)));
-}
-
-void addEntry(CPdfObj& object, const char* key, const std::string& value) {
-    object.AddDictionaryEntry(key, value.c_str());
+// Replaces the value of an entry, or adds the entry right before the end of the dictionary. A dictionary that has no end
+// in an object that has one is edited before its last ">>", where damaged files are read on.
+void setValue(std::string& object, std::string_view key, std::string_view value) {
+    const bool isThere = lookUp(object, key).has_value();
+    if (setEntry(object, key, value, isThere ? EntryLayout::Lines : EntryLayout::Splice)) return;
+    const std::size_t close = object.rfind(">>");
+    if (close != std::string::npos) object.insert(close, text(key, ' ', value, "\r\n"));
 }
 
 // Where annotations stand in their array themselves, "null" may be a word in a string or a value of theirs.
@@ -57,82 +55,80 @@ std::string referenceText(int number) { return text(number, " 0 R"); }
 
 bool isDirectDictionary(std::string_view value) { return value.starts_with("<<"); }
 
+bool holdsArray(const CPdfObj* object) {
+    return object != nullptr && object->content().find('[') != std::string_view::npos;
+}
+
 }  // namespace
 
 int Preparation::decideForm() {
-    const std::string_view value = entryValue(catalogue_->content(), "/AcroForm");
-    const CPdfObj* const object = isDirectDictionary(value) ? nullptr : referencedObject(documentOf(pdf_), value);
-    hasForm_ = isDirectDictionary(value) || (object != nullptr && !object->content().empty());
-    needsFonts_ = true;
-    if (!hasForm_) return VARNPDF_OK;
-    logDebug(logger_, "'/AcroForm'-Tag wurde gefunden");
-    logDebug(logger_, object != nullptr ? "AcroForm mit Referenz (auf Objekt oder Array) "
-                                        : "AcroForm KEINE Referenz auf Objekt sondern direktes Dictionary");
-    needsFonts_ = !findLaterEntry(object != nullptr ? object->content() : value, "/DR").has_value();
-    if (needsFonts_) logDebug(logger_, "Encoding-Objekt wegen missing /DR");
+    formValue_ = lookUpValue(catalogue_->content(), "/AcroForm");
+    if (!isDirectDictionary(formValue_)) formObject_ = referencedObject(document_, formValue_);
+    if (formObject_ != nullptr && formObject_->content().empty()) formObject_ = nullptr;
+    hasForm_ = isDirectDictionary(formValue_) || formObject_ != nullptr;
+    const std::string_view form = formObject_ != nullptr ? formObject_->content() : formValue_;
+    needsFonts_ = !hasForm_ || !lookUp(form, "/DR");
     return VARNPDF_OK;
 }
 
 void Preparation::updateForm() {
+    if (hasForm_) {
+        logDebug(loggers::sign, "'/AcroForm'-Tag wurde gefunden");
+        logDebug(loggers::sign, formObject_ != nullptr
+                                    ? "AcroForm mit Referenz (auf Objekt oder Array) "
+                                    : "AcroForm KEINE Referenz auf Objekt sondern direktes Dictionary");
+        if (needsFonts_) logDebug(loggers::sign, "Encoding-Objekt wegen missing /DR");
+    }
     if (needsFonts_) writeFonts();
     if (!hasForm_) {
         writeNewForm();
-        return;
+    } else if (formObject_ != nullptr) {
+        updateFormEntries(update_.change(*formObject_));
+    } else {
+        std::string form(formValue_);
+        updateFormEntries(form);
+        setValue(update_.change(*catalogue_), "/AcroForm", form);
     }
-    const std::string_view value = entryValue(catalogue_->content(), "/AcroForm");
-    if (!isDirectDictionary(value)) {
-        updateFormEntries(*changedReference(value));
-        return;
-    }
-    CPdfObj form;
-    form.setContent(value);
-    updateFormEntries(form);
-    replaceEntry(changed(*catalogue_), "/AcroForm", form.content());
 }
 
-void Preparation::updateFormEntries(CPdfObj& form) {
+void Preparation::updateFormEntries(std::string& form) {
     addToFields(form);
-    if (findLaterEntry(form.content(), "/SigFlags")) {
-        replaceEntry(form, "/SigFlags", "3");
-    } else {
-        logDebug(logger_, "/SigFlags nicht gefunden. Lege neuen Eintrag an.");
-        addEntry(form, "/SigFlags", "3");
-    }
+    if (!lookUp(form, "/SigFlags")) logDebug(loggers::sign, "/SigFlags nicht gefunden. Lege neuen Eintrag an.");
+    setValue(form, "/SigFlags", "3");
     if (needsFonts_) {
-        addEntry(form, "/DR",
+        setValue(form, "/DR",
                  text("<< \r\n/Font << \r\n/ZaDb ", referenceText(numbers_.symbols), " \r\n/Helv ",
                       referenceText(numbers_.helvetica), " \r\n>> \r\n/Encoding << \r\n/PDFDocEncoding ",
                       referenceText(numbers_.encoding), " \r\n>> \r\n>>"));
     }
-    if (!findLaterEntry(form.content(), "/DA")) addEntry(form, "/DA", kDefaultAppearance);
-    if (const auto needed = findLaterEntry(form.content(), "/NeedAppearances")) {
-        if (trim(needed->value.of(form.content())) != "false") {
-            logDebug(logger_, "   --> nicht false, also korrigieren");
-            replaceEntry(form, "/NeedAppearances", "false");
-        }
+    if (!lookUp(form, "/DA")) setValue(form, "/DA", kDefaultAppearance);
+    const auto needed = lookUp(form, "/NeedAppearances");
+    if (needed && trim(*needed) != "false") {
+        logDebug(loggers::sign, "   --> nicht false, also korrigieren");
+        setValue(form, "/NeedAppearances", "false");
     }
 }
 
-void Preparation::addToFields(CPdfObj& form) {
+void Preparation::addToFields(std::string& form) {
     const std::string item = text(' ', numbers_.widget, " 0 R");
-    if (!findLaterEntry(form.content(), "/Fields")) addEntry(form, "/Fields", "[]");
-    const std::string value(entryValue(form.content(), "/Fields"));
+    if (!lookUp(form, "/Fields")) setValue(form, "/Fields", "[]");
+    const std::string value(lookUpValue(form, "/Fields"));
     if (value.starts_with('[')) {
-        replaceEntry(form, "/Fields", appendToRefArray(value, item));
+        setValue(form, "/Fields", appendToRefArray(value, item));
         return;
     }
-    CPdfObj* const original = referencedObject(documentOf(pdf_), value);
-    if (original != nullptr && original->content().find('[') != std::string_view::npos) {
-        CPdfObj& fields = changed(*original);
-        fields.setContent(appendToRefArray(fields.content(), item));
+    const CPdfObj* const original = referencedObject(document_, value);
+    if (holdsArray(original)) {
+        std::string& fields = update_.change(*original);
+        fields = appendToRefArray(fields, item);
     } else {
-        replaceEntry(form, "/Fields", text("[", referenceText(numbers_.widget), "]"));
+        setValue(form, "/Fields", text("[", referenceText(numbers_.widget), "]"));
     }
 }
 
 void Preparation::writeNewForm() {
-    addNew(numbers_.fields, text(numbers_.fields, " 0 obj\r\n[\r\n   ", numbers_.widget, " 0 R\r\n]\r\nendobj\r\n"));
-    addNew(numbers_.form,
+    update_.put(numbers_.fields, text(numbers_.fields, " 0 obj\r\n[\r\n   ", numbers_.widget, " 0 R\r\n]\r\nendobj\r\n"));
+    update_.put(numbers_.form,
            text(numbers_.form, " 0 obj\r\n<<\r\n/Fields ", numbers_.fields, " 0 R\r\n/SigFlags 3\r\n/DR << \r\n",
                 "/Font << \r\n/ZaDb ", numbers_.symbols, " 0 R \r\n/Helv ", numbers_.helvetica, " 0 R \r\n>> \r\n",
                 "/Encoding << \r\n/PDFDocEncoding ", numbers_.encoding, " 0 R \r\n>> \r\n>> \r\n",
@@ -140,88 +136,73 @@ void Preparation::writeNewForm() {
 }
 
 void Preparation::writeFonts() {
-    addNew(numbers_.symbols, text(numbers_.symbols, " 0 obj\r\n<< \r\n/Type /Font \r\n/Name /ZaDb \r\n",
+    update_.put(numbers_.symbols, text(numbers_.symbols, " 0 obj\r\n<< \r\n/Type /Font \r\n/Name /ZaDb \r\n",
                                   "/BaseFont /ZapfDingbats \r\n/Subtype /Type1 \r\n>> \r\nendobj\r\n"));
-    addNew(numbers_.helvetica,
+    update_.put(numbers_.helvetica,
            text(numbers_.helvetica, " 0 obj\r\n<< \r\n/Type /Font \r\n/Name /Helv \r\n/BaseFont /Helvetica \r\n",
                 "/Subtype /Type1 \r\n/Encoding ", numbers_.encoding, " 0 R \r\n>> \r\nendobj\r\n"));
-    addNew(numbers_.encoding,
+    update_.put(numbers_.encoding,
            text(numbers_.encoding, " 0 obj\r\n<< \r\n/Type /Encoding \r\n", kDifferences, ">> \r\nendobj\r\n"));
 }
 
 void Preparation::updateCatalogue() {
-    const std::string_view text = catalogue_->content();
-    if (!hasForm_) {
-        CPdfObj& catalogue = changed(*catalogue_);
-        // An entry that leads nowhere would win over the new one in some readers.
-        if (findLaterEntry(text, "/AcroForm")) {
-            replaceEntry(catalogue, "/AcroForm", referenceText(numbers_.form));
-        } else {
-            addEntry(catalogue, "/AcroForm", referenceText(numbers_.form));
-        }
-    }
-    if (metadata_) replaceEntry(changed(*catalogue_), "/Metadata", referenceText(numbers_.metadata));
-    if (!findLaterEntry(text, "/MarkInfo")) {
-        logDebug(logger_, "Kein MarkInfo-Objekt gefunden, erstelle neuen Schluessel im Root Obj (",
+    if (!hasForm_) setValue(update_.change(*catalogue_), "/AcroForm", referenceText(numbers_.form));
+    if (metadata_) setValue(update_.change(*catalogue_), "/Metadata", referenceText(numbers_.metadata));
+    if (!lookUp(update_.current(*catalogue_), "/MarkInfo")) {
+        logDebug(loggers::sign, "Kein MarkInfo-Objekt gefunden, erstelle neuen Schluessel im Root Obj (",
                  catalogue_->GetObjNum(), ")");
-        addEntry(changed(*catalogue_), "/MarkInfo", "<</Marked false>>");
+        setValue(update_.change(*catalogue_), "/MarkInfo", "<</Marked false>>");
     }
-    if (findLaterEntry(text, "/OpenAction")) {
-        changed(*catalogue_).DeleteDictionaryEntry("/OpenAction", 1);
-        logDebug(logger_, " Schluessel 'OpenActions' entfernt ");
+    if (lookUp(update_.current(*catalogue_), "/OpenAction")) {
+        setEntry(update_.change(*catalogue_), "/OpenAction", "");
+        logDebug(loggers::sign, " Schluessel 'OpenActions' entfernt ");
     }
 }
 
 void Preparation::newAnnots(std::string_view comment) {
-    addNew(numbers_.annots,
-           text(numbers_.annots, " 0 obj\r\n", comment, "\r\n[\r\n    ", numbers_.widget, " 0 R\r\n]\r\nendobj\r\n"));
+    update_.put(numbers_.annots, text(numbers_.annots, " 0 obj\r\n", comment, "\r\n[\r\n    ", numbers_.widget,
+                                      " 0 R\r\n]\r\nendobj\r\n"));
 }
 
 // The widget belongs to one page; in an array that pages share it would show on all of them (ISO 32000-2 12.5.2).
 bool Preparation::otherPageHas(const CPdfObj& annots) {
-    CPdfObj* const root = referencedObject(documentOf(pdf_), entryValue(catalogue_->content(), "/Pages"));
+    CPdfObj* const root = pagesRoot(document_, *catalogue_);
     if (root == nullptr) return false;
-    const auto& pages = pagesBelow(documentOf(pdf_), *root);
+    const auto& pages = pagesBelow(document_, *root);
     return std::any_of(pages.begin(), pages.end(), [&](const CPdfObj* page) {
-        return page != page_ && referencedObject(documentOf(pdf_), entryValue(page->content(), "/Annots")) == &annots;
+        return page != page_ && referencedObject(document_, lookUpValue(page->content(), "/Annots")) == &annots;
     });
 }
 
-void Preparation::updateAnnots() {
+int Preparation::updateAnnots() {
+    constexpr std::string_view kComment = "% neues Annots-Objekt-Array durch SignPDF ";
     const std::string item = text(' ', numbers_.widget, " 0 R");
-    const auto entry = findLaterEntry(page_->content(), "/Annots");
+    const auto entry = lookUp(update_.current(*page_), "/Annots");
+    const std::string value(entry.value_or(std::string_view{}));
+    const CPdfObj* const original = value.starts_with('[') ? nullptr : referencedObject(document_, value);
     if (!entry) {
-        newAnnots("% neues Annots-Objekt-Array durch SignPDF ");
-        std::string added = text("/Annots ", numbers_.annots, " 0 R\r\n");
-        changed(*page_).AddDictionaryEntry(added.data());
-        return;
-    }
-    const std::string value(entry->value.of(page_->content()));
-    if (value.starts_with('[')) {
-        replaceEntry(changed(*page_), "/Annots", withAnnotation(value, item));
-        return;
-    }
-    if (value.starts_with("null")) {
-        logDebug(logger_, "'/Annot null' gefunden und abgefangen");
+        newAnnots(kComment);
+        setValue(update_.change(*page_), "/Annots", referenceText(numbers_.annots));
+    } else if (value.starts_with('[')) {
+        setValue(update_.change(*page_), "/Annots", withAnnotation(value, item));
+    } else if (value.starts_with("null")) {
+        logDebug(loggers::sign, "'/Annot null' gefunden und abgefangen");
         newAnnots("% neues Annots-Objekt-Array durch SignPDF (special case war NULL)");
-        replaceEntry(changed(*page_), "/Annots", referenceText(numbers_.annots));
-        return;
+        setValue(update_.change(*page_), "/Annots", referenceText(numbers_.annots));
+    } else if (!holdsArray(original)) {
+        logDebug(loggers::sign, "Annot-Verweis nicht gefunden! Erstelle das Objekt neu");
+        newAnnots(kComment);
+        setValue(update_.change(*page_), "/Annots", referenceText(numbers_.annots));
+    } else if (otherPageHas(*original)) {
+        logDebug(loggers::sign, "Annots-Array gehoert mehreren Seiten! Erstelle ein eigenes");
+        update_.put(numbers_.annots,
+                    objectText(numbers_.annots, 0, appendToRefArray(update_.current(*original), item)));
+        setValue(update_.change(*page_), "/Annots", referenceText(numbers_.annots));
+    } else {
+        std::string& annots = update_.change(*original);
+        annots = withAnnotation(annots, item);
     }
-    CPdfObj* const original = referencedObject(documentOf(pdf_), value);
-    if (original != nullptr && original->content().find('[') != std::string_view::npos) {
-        if (otherPageHas(*original)) {
-            logDebug(logger_, "Annots-Array gehoert mehreren Seiten! Erstelle ein eigenes");
-            addNew(numbers_.annots, objectText(numbers_.annots, 0, appendToRefArray(original->content(), item)));
-            replaceEntry(changed(*page_), "/Annots", referenceText(numbers_.annots));
-            return;
-        }
-        CPdfObj& annots = changed(*original);
-        annots.setContent(withAnnotation(annots.content(), item));
-        return;
-    }
-    logDebug(logger_, "Annot-Verweis nicht gefunden! Erstelle das Objekt neu");
-    newAnnots("% neues Annots-Objekt-Array durch SignPDF ");
-    replaceEntry(changed(*page_), "/Annots", referenceText(numbers_.annots));
+    return VARNPDF_OK;
 }
 
 }  // namespace varnpdf

@@ -8,8 +8,6 @@
 #include <vector>
 
 #include "support/Text.h"
-#include "varnpdf/PdfHelper.h"
-#include "varnpdf/PdfSign.h"
 
 namespace varnpdf {
 namespace {
@@ -60,7 +58,8 @@ double lineWidth(const FormfieldInfo_tag& field, std::string_view line) {
 }
 
 // The largest size at which every line without a size of its own fits.
-int automaticSize(int width, int height, const FormfieldInfo_tag* fields, const std::vector<std::string>& lines) {
+int automaticSize(int width, int height, std::span<const FormfieldInfo_tag> fields,
+                  const std::vector<std::string>& lines) {
     double most = kLargestAutomatic;
     double room = height - 2 * kMargin;
     double count = 0;
@@ -105,9 +104,9 @@ std::string fontName(int family, int style) {
     return text("/T", first + face + 1, "_0");
 }
 
-std::string textLayer(int width, int height, const FormfieldInfo_tag* fields, int fieldCount) {
+std::string textLayer(int width, int height, std::span<const FormfieldInfo_tag> fields) {
     std::vector<std::string> lines;
-    for (int i = 0; fields != nullptr && i < fieldCount; ++i) lines.push_back(lineText(fields[i]));
+    for (const FormfieldInfo_tag& field : fields) lines.push_back(lineText(field));
     const int automatic = automaticSize(width, height, fields, lines);
     std::string out;
     double top = height - kMargin;

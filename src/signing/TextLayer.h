@@ -1,9 +1,10 @@
 // The text layer of a visible signature.
 #pragma once
 
+#include <span>
 #include <string>
 
-struct FormfieldInfo_tag;
+#include "varnpdf/FormfieldInfo.h"
 
 namespace varnpdf {
 
@@ -11,6 +12,6 @@ namespace varnpdf {
 std::string fontName(int family, int style);
 
 /// The content stream: one line of text for each entry, from the top down.
-std::string textLayer(int width, int height, const FormfieldInfo_tag* fields, int fieldCount);
+std::string textLayer(int width, int height, std::span<const FormfieldInfo_tag> fields);
 
 }  // namespace varnpdf

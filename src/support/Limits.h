@@ -82,6 +82,8 @@ inline constexpr std::size_t kCodeSpaces = 100;
 /// Longest text that is sought, and hits that are reported.
 inline constexpr std::size_t kSoughtCharacters = 1'000;
 inline constexpr std::size_t kTextHits = 100'000;
+/// Longest XMP metadata whose dates are renewed.
+inline constexpr std::size_t kMetadataBytes = std::size_t{64} << 20U;
 /// Stream data copied from a document; objects whose streams overlap could multiply it.
 inline constexpr std::size_t kCopiedBytesPerByte = 4;
 

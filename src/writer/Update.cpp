@@ -27,10 +27,13 @@ int firstNumber(const Document& document) {
 
 }  // namespace
 
-Update::Update(Document& document, std::string_view lineEnd, FirstLine firstLine)
-    : document_(document), next_(firstNumber(document)), tail_{document.length, {}} {
+Update::Update(Document& document, const Start& start)
+    : document_(document),
+      next_(start.firstNumber > 0 ? start.firstNumber : firstNumber(document)),
+      tail_{document.length, {}} {
     const std::string_view old = document.view();
-    if (firstLine == FirstLine::Always || (!old.empty() && !isEol(old.back()))) tail_.text = lineEnd;
+    const bool needsLine = !old.empty() && !isEol(old.back());
+    if (needsLine || start.firstLine == FirstLine::Always) tail_.text = start.lineEnd;
 }
 
 bool Update::canReserve(int count) const noexcept { return count <= kMostNumber - next_; }
@@ -67,7 +70,10 @@ void Update::write(int number, int generation, std::string_view text) {
     tail_.text += objectText(number, generation, text);
 }
 
-void Update::begin(int number, int generation, bool joins) { written_[number] = {generation, position(), joins}; }
+
+void Update::record(int number, int generation, std::size_t offset, bool joins) {
+    written_[number] = {generation, offset, joins};
+}
 
 void Update::appendForeign(std::string_view bytes) {
     const std::size_t position = tail_.position() + bytes.size();

@@ -36,8 +36,13 @@ class Update {
 public:
     /// What stands in front of the first object: a line end where the old bytes do not end with one, or always.
     enum class FirstLine { WhereMissing, Always };
-    explicit Update(Document& document, std::string_view lineEnd = "\r\n",
-                    FirstLine firstLine = FirstLine::WhereMissing);
+    struct Start {
+        std::string_view lineEnd = "\r\n";
+        FirstLine firstLine = FirstLine::WhereMissing;
+        int firstNumber = 0;  ///< of new objects, where it is not the usual one
+    };
+    Update(Document& document, const Start& start);
+    explicit Update(Document& document) : Update(document, Start()) {}
 
     /// So many numbers can still be given away.
     [[nodiscard]] bool canReserve(int count) const noexcept;
@@ -61,7 +66,9 @@ public:
     void write(int number, int generation, std::string_view text);
     /// Records that an object begins here; its text is the caller's to append. `joins`: it stands in the subsection of the
     /// number before it also where runs are not joined.
-    void begin(int number, int generation, bool joins = false);
+    void begin(int number, int generation, bool joins = false) { record(number, generation, position(), joins); }
+    /// The same for an object that has been appended at an offset in the file.
+    void record(int number, int generation, std::size_t offset, bool joins = false);
     /// Where text is appended; offsets in the file come from `position`.
     [[nodiscard]] Tail& tail() noexcept { return tail_; }
     /// Appends bytes that stay the caller's, who keeps them until the pieces are written.
