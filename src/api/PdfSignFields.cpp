@@ -14,7 +14,8 @@ CPdfObj* CPdf::GetAcroFormObj() {
     if (!state_->document.newest || state_->document.newest->GetSize() < 1) return nullptr;
     SetObjNum(state_->document.newest->GetSize());
     const CPdfObj* const catalogue = referencedObject(state_->document, state_->document.newest->root());
-    return catalogue == nullptr ? nullptr : referencedObject(state_->document, entryValue(catalogue->content(), "/AcroForm"));
+    return catalogue == nullptr ? nullptr
+                                : referencedObject(state_->document, entryValue(catalogue->content(), "/AcroForm"));
 }
 
 // Depth first like the page tree; a field met before ends its branch.
@@ -22,7 +23,8 @@ CPdfObj* CPdf::GetSigObjectFromArray(char* refList, int index) {
     if (refList == nullptr) return nullptr;
     std::vector<CPdfObj*> fields;
     walkTree(
-        state_->document, refList, nullptr, [](CPdfObj& obj) { return findLaterEntry(obj.content(), "/FT").has_value(); }, fields);
+        state_->document, refList, nullptr,
+        [](CPdfObj& obj) { return findLaterEntry(obj.content(), "/FT").has_value(); }, fields);
     for (CPdfObj* const field : fields) {
         if (state_->fieldCounter == index) return field;
         ++state_->fieldCounter;

@@ -84,8 +84,8 @@ void CPdf::WriteSigBlock(CPdfXRefEntry* entry, int objnum, int gen, CPdfSigInfo*
     Tail out{filePosition(*state_), {}};
     entry->SetPos(static_cast<int>(out.base));
     const std::string latin1 = latin1FromUtf8(viewOf(name)).text;
-    const SignatureRoom room = appendValue(out, valueOf({objnum, gen}, latin1, reason, location, signDate,
-                                                        state_->etsiSubFilter, contentsSize, lock));
+    const SignatureRoom room = appendValue(
+        out, valueOf({objnum, gen}, latin1, reason, location, signDate, state_->etsiSubFilter, contentsSize, lock));
     store(*info, room, *state_);
     print(*state_, out.text);
 }
@@ -104,16 +104,15 @@ int CPdf::WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj
     }
     const auto count = static_cast<std::size_t>(fields == nullptr ? 0 : std::max(fieldCount, 0));
     const std::string latin1 = latin1FromUtf8(viewOf(name)).text;
-    SignatureObjects objects{
-        .widget = widgetOf(*widget, *page, *info, rect, mode, fieldLock, lock),
-        .value = valueOf({widget->GetObjNum() + 1, widget->GetGenNumber()}, latin1, reason, location, signDate,
-                         state_->etsiSubFilter, contentsSize, lock),
-        .visible = visible != 0,
-        .size = {size[0], size[1]},
-        .rotation = rotation,
-        .layers = additionalLayers != 0,
-        .picture = picture ? &*picture : nullptr,
-        .fields = {fields, count}};
+    SignatureObjects objects{.widget = widgetOf(*widget, *page, *info, rect, mode, fieldLock, lock),
+                             .value = valueOf({widget->GetObjNum() + 1, widget->GetGenNumber()}, latin1, reason,
+                                              location, signDate, state_->etsiSubFilter, contentsSize, lock),
+                             .visible = visible != 0,
+                             .size = {size[0], size[1]},
+                             .rotation = rotation,
+                             .layers = additionalLayers != 0,
+                             .picture = picture ? &*picture : nullptr,
+                             .fields = {fields, count}};
     if (metadata != nullptr) objects.metadata = metadata->content();
     Tail out{filePosition(*state_), {}};
     const auto written = appendSignature(out, objects, signatureFieldNames(state_->document));

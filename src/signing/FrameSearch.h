@@ -9,7 +9,7 @@
 namespace varnpdf {
 
 struct DrawnFrame {
-    int page = 0;                     ///< index
+    int page = 0;                    ///< index
     std::array<int, 4> rectangle{};  ///< x, y, width and height in points, rounded down
 };
 /// Of several frames the last. `code` becomes VARNPDF_OK, or what keeps the document from being searched.

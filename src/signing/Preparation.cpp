@@ -180,24 +180,23 @@ int Preparation::writeLocks() {
 }
 
 SignatureObjects Preparation::objects() const {
-    SignatureObjects out{
-        .widget = {.ref = {numbers_.widget, 0},
-                   .page = {page_->GetObjNum(), page_->GetGenNumber()},
-                   .rect = rect_,
-                   .fieldNumber = static_cast<int>(names_.size()) + 1},
-        .value = {.ref = {numbers_.widget + 1, 0},
-                  .reason = viewOf(request_.reason),
-                  .location = viewOf(request_.location),
-                  .name = name_,
-                  .date = viewOf(request_.signDate),
-                  .etsi = request_.etsi,
-                  .contentsSize = request_.contentsSize},
-        .visible = request_.visible(),
-        .size = request_.size,
-        .rotation = rotation_,
-        .layers = request_.layers,
-        .picture = picture_ ? &*picture_ : nullptr,
-        .fields = request_.fields};
+    SignatureObjects out{.widget = {.ref = {numbers_.widget, 0},
+                                    .page = {page_->GetObjNum(), page_->GetGenNumber()},
+                                    .rect = rect_,
+                                    .fieldNumber = static_cast<int>(names_.size()) + 1},
+                         .value = {.ref = {numbers_.widget + 1, 0},
+                                   .reason = viewOf(request_.reason),
+                                   .location = viewOf(request_.location),
+                                   .name = name_,
+                                   .date = viewOf(request_.signDate),
+                                   .etsi = request_.etsi,
+                                   .contentsSize = request_.contentsSize},
+                         .visible = request_.visible(),
+                         .size = request_.size,
+                         .rotation = rotation_,
+                         .layers = request_.layers,
+                         .picture = picture_ ? &*picture_ : nullptr,
+                         .fields = request_.fields};
     if (request_.lock) {
         out.widget.lock = ObjectRef{numbers_.fieldLock, 0};
         out.value.reference = SignatureReference{"FieldMDP", numbers_.lockParams, "MD5", catalogue_->GetObjNum()};

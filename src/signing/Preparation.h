@@ -79,8 +79,8 @@ private:
     CPdfObj* page_ = nullptr;
     int rotation_ = 0;
     std::array<int, 4> rect_{};
-    std::string_view formValue_;      // of the catalogue's /AcroForm
-    CPdfObj* formObject_ = nullptr;   // null for a form that stands in the catalogue
+    std::string_view formValue_;     // of the catalogue's /AcroForm
+    CPdfObj* formObject_ = nullptr;  // null for a form that stands in the catalogue
     bool hasForm_ = false;
     bool needsFonts_ = true;
     Numbers numbers_;

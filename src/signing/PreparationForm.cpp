@@ -127,22 +127,23 @@ void Preparation::addToFields(std::string& form) {
 }
 
 void Preparation::writeNewForm() {
-    update_.put(numbers_.fields, text(numbers_.fields, " 0 obj\r\n[\r\n   ", numbers_.widget, " 0 R\r\n]\r\nendobj\r\n"));
+    update_.put(numbers_.fields,
+                text(numbers_.fields, " 0 obj\r\n[\r\n   ", numbers_.widget, " 0 R\r\n]\r\nendobj\r\n"));
     update_.put(numbers_.form,
-           text(numbers_.form, " 0 obj\r\n<<\r\n/Fields ", numbers_.fields, " 0 R\r\n/SigFlags 3\r\n/DR << \r\n",
-                "/Font << \r\n/ZaDb ", numbers_.symbols, " 0 R \r\n/Helv ", numbers_.helvetica, " 0 R \r\n>> \r\n",
-                "/Encoding << \r\n/PDFDocEncoding ", numbers_.encoding, " 0 R \r\n>> \r\n>> \r\n",
-                "/DA (/Helv 0 Tf 0 g ) \r\n>>\r\nendobj\r\n"));
+                text(numbers_.form, " 0 obj\r\n<<\r\n/Fields ", numbers_.fields, " 0 R\r\n/SigFlags 3\r\n/DR << \r\n",
+                     "/Font << \r\n/ZaDb ", numbers_.symbols, " 0 R \r\n/Helv ", numbers_.helvetica, " 0 R \r\n>> \r\n",
+                     "/Encoding << \r\n/PDFDocEncoding ", numbers_.encoding, " 0 R \r\n>> \r\n>> \r\n",
+                     "/DA (/Helv 0 Tf 0 g ) \r\n>>\r\nendobj\r\n"));
 }
 
 void Preparation::writeFonts() {
     update_.put(numbers_.symbols, text(numbers_.symbols, " 0 obj\r\n<< \r\n/Type /Font \r\n/Name /ZaDb \r\n",
-                                  "/BaseFont /ZapfDingbats \r\n/Subtype /Type1 \r\n>> \r\nendobj\r\n"));
+                                       "/BaseFont /ZapfDingbats \r\n/Subtype /Type1 \r\n>> \r\nendobj\r\n"));
     update_.put(numbers_.helvetica,
-           text(numbers_.helvetica, " 0 obj\r\n<< \r\n/Type /Font \r\n/Name /Helv \r\n/BaseFont /Helvetica \r\n",
-                "/Subtype /Type1 \r\n/Encoding ", numbers_.encoding, " 0 R \r\n>> \r\nendobj\r\n"));
+                text(numbers_.helvetica, " 0 obj\r\n<< \r\n/Type /Font \r\n/Name /Helv \r\n/BaseFont /Helvetica \r\n",
+                     "/Subtype /Type1 \r\n/Encoding ", numbers_.encoding, " 0 R \r\n>> \r\nendobj\r\n"));
     update_.put(numbers_.encoding,
-           text(numbers_.encoding, " 0 obj\r\n<< \r\n/Type /Encoding \r\n", kDifferences, ">> \r\nendobj\r\n"));
+                text(numbers_.encoding, " 0 obj\r\n<< \r\n/Type /Encoding \r\n", kDifferences, ">> \r\nendobj\r\n"));
 }
 
 void Preparation::updateCatalogue() {

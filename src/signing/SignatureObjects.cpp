@@ -106,8 +106,7 @@ SignatureRoom appendValue(Tail& out, const SignatureValue& value) {
     append(out.text, "/Reason (", value.reason, ")\r\n", "/Location (", value.location, ")\r\n");
     append(out.text, "/M (", convert8824DoubleH(value.date), ")\r\n");
     append(out.text, "/Filter /Korvane.varnapi\r\n");
-    append(out.text,
-           value.etsi ? "/SubFilter /ETSI.CAdES.detached\r\n" : "/SubFilter /adbe.pkcs7.detached\r\n");
+    append(out.text, value.etsi ? "/SubFilter /ETSI.CAdES.detached\r\n" : "/SubFilter /adbe.pkcs7.detached\r\n");
     append(out.text, "/R 65537\r\n", "/Name (", value.name, ")\r\n", "/Contents ");
     room.begin = out.position();
     out.text.push_back('<');

@@ -28,8 +28,8 @@ struct Widget {
     ObjectRef ref;
     ObjectRef page;
     std::array<int, 4> rect{};
-    int fieldNumber = 1;            ///< of "UnterschriftN": the first that is tried
-    bool isSigned = true;           ///< has a /V
+    int fieldNumber = 1;                 ///< of "UnterschriftN": the first that is tried
+    bool isSigned = true;                ///< has a /V
     std::optional<ObjectRef> lock = {};  ///< field lock
 };
 /// Appends the widget; of its field's names the first from `fieldNumber` on is taken that is not in `names`.

@@ -70,9 +70,8 @@ void Update::write(int number, int generation, std::string_view text) {
     tail_.text += objectText(number, generation, text);
 }
 
-
 void Update::record(int number, int generation, std::size_t offset, bool joins) {
-    written_[number] = {generation, offset, joins};
+    written_.emplace(number, Place{generation, offset, joins});
 }
 
 void Update::appendForeign(std::string_view bytes) {

@@ -118,7 +118,7 @@ private:
     int next_;
     std::map<int, std::string> changed_;
     std::map<int, std::string> put_;
-    std::map<int, Place> written_;
+    std::multimap<int, Place> written_;  // a file whose /Size lies may give a number away that is taken
     struct Finished {
         std::string text;
         std::string_view foreign;
