@@ -38,13 +38,9 @@ struct PdfState {
     int tableOffset = 0;
 };
 
-struct SignatureParts;
-
 /// The way from the exported class to what it stands for.
 struct Access {
     static PdfState& state(CPdf& pdf) noexcept { return *pdf.state_; }
-    /// The objects of a signature, into the update; results as `CPdf::WriteSignature`.
-    static int writeSignature(CPdf& pdf, const SignatureParts& parts);
 };
 inline void print(PdfState& state, std::string_view text) {
     auto* const bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()));
