@@ -66,6 +66,6 @@ public:
     int GetContent(int index, unsigned char* buffer, unsigned long* length);
 
 private:
-    struct List;
+    struct VARNPDF_HIDDEN List;
     std::unique_ptr<List> list_;
 };
