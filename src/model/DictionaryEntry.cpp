@@ -5,6 +5,7 @@
 
 #include "syntax/Dictionary.h"
 #include "syntax/Lexer.h"
+#include "syntax/Reference.h"
 
 namespace varnpdf {
 namespace {
@@ -245,12 +246,13 @@ private:
     std::size_t depth_ = 0;
 };
 
-// Numbers and words behind a value that begins with one belong to it.
+// Numbers and words behind a value that begins with one belong to it, up to the next token of another kind.
 std::string_view withWords(Lexer& lexer, std::string_view text, std::string_view value) {
-    std::size_t end = lexer.at();
-    for (Token token = lexer.next(); token.kind == TokenKind::Word; token = lexer.next()) end = token.end();
-    lexer.moveTo(end);
-    return {value.data(), static_cast<std::size_t>(text.data() + end - value.data())};
+    Token token = lexer.next();
+    while (token.kind == TokenKind::Word) token = lexer.next();
+    lexer.moveTo(token.begin);
+    const std::string_view run(value.data(), static_cast<std::size_t>(text.data() + token.begin - value.data()));
+    return run.substr(0, run.find_last_not_of(' ') + 1);
 }
 
 }  // namespace
@@ -300,7 +302,7 @@ std::optional<std::string_view> lookUp(std::string_view text, std::string_view k
 
 std::string_view lookUpValue(std::string_view text, std::string_view key) {
     const auto found = lookUp(text, key);
-    return !found || *found == "null" ? std::string_view{} : *found;
+    return !found || trim(*found) == "null" ? std::string_view{} : *found;
 }
 
 std::optional<int> lookUpInt(std::string_view text, std::string_view key) {

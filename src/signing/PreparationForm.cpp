@@ -8,6 +8,7 @@
 #include "support/Loggers.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
+#include "syntax/Text.h"
 #include "varnpdf/result.h"
 #include "writer/RefArray.h"
 
@@ -41,6 +42,18 @@ void setValue(std::string& object, std::string_view key, std::string_view value)
     if (setEntry(object, key, value, isThere ? EntryLayout::Lines : EntryLayout::Splice)) return;
     const std::size_t close = object.rfind(">>");
     if (close != std::string::npos) object.insert(close, text(key, ' ', value, "\r\n"));
+}
+
+// Removes an entry with the line end behind a plain value, and further ones with its key.
+void removeEntry(std::string& object, std::string_view key) {
+    const Dictionary dictionary(object);
+    const Dictionary::Entry* const entry = dictionary.entry(key);
+    const auto value = lookUp(object, key);
+    if (entry != nullptr && value && value->data() == entry->value.data()) {
+        const std::size_t begin = offsetIn(object, entry->key);
+        object.erase(begin, offsetIn(object, *value) + value->size() - begin);
+    }
+    setEntry(object, key, "");
 }
 
 // Where annotations stand in their array themselves, "null" may be a word in a string or a value of theirs.
@@ -155,7 +168,7 @@ void Preparation::updateCatalogue() {
         setValue(update_.change(*catalogue_), "/MarkInfo", "<</Marked false>>");
     }
     if (lookUp(update_.current(*catalogue_), "/OpenAction")) {
-        setEntry(update_.change(*catalogue_), "/OpenAction", "");
+        removeEntry(update_.change(*catalogue_), "/OpenAction");
         logDebug(loggers::sign, " Schluessel 'OpenActions' entfernt ");
     }
 }
