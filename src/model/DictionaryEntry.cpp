@@ -1,6 +1,7 @@
 // Finding a key in the raw text of a dictionary.
 #include "model/DictionaryEntry.h"
 
+#include <algorithm>
 #include <array>
 
 #include "syntax/Dictionary.h"
@@ -255,6 +256,28 @@ std::string_view withWords(Lexer& lexer, std::string_view text, std::string_view
     return run.substr(0, run.find_last_not_of(' ') + 1);
 }
 
+// Calls `take(key, value)` for every entry by the letter of the standard; false for a dictionary
+// that does not end.
+template <typename Take>
+bool readEntries(std::string_view text, Take take) {
+    Lexer lexer(text);
+    Token token = lexer.next();
+    while (token.kind == TokenKind::Word || token.kind == TokenKind::ArrayOpen) token = lexer.next();
+    if (token.kind != TokenKind::DictOpen) return true;
+    while ((token = lexer.next()) && token.kind != TokenKind::DictClose) {
+        if (token.kind != TokenKind::Name) continue;
+        auto value = valueBehind(lexer, text, token);
+        if (!value) return false;
+        if (!value->empty() && !isDelimiter(value->front())) value = withWords(lexer, text, *value);
+        take(token.text, *value);
+    }
+    return token.kind == TokenKind::DictClose;
+}
+
+std::string_view valueOrNone(std::optional<std::string_view> found) {
+    return !found || trim(*found) == "null" ? std::string_view{} : *found;
+}
+
 }  // namespace
 
 std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view key, EntryLookup how) {
@@ -284,30 +307,36 @@ ObjectTypes findTypes(std::string_view text) {
 
 std::optional<std::string_view> lookUp(std::string_view text, std::string_view key) {
     std::optional<std::string_view> found;
-    Lexer lexer(text);
-    Token token = lexer.next();
-    while (token.kind == TokenKind::Word || token.kind == TokenKind::ArrayOpen) token = lexer.next();
-    if (token.kind != TokenKind::DictOpen) return found;
-    while ((token = lexer.next()) && token.kind != TokenKind::DictClose) {
-        if (token.kind != TokenKind::Name) continue;
-        auto value = valueBehind(lexer, text, token);
-        if (!value) break;
-        if (!value->empty() && !isDelimiter(value->front())) value = withWords(lexer, text, *value);
-        if (isSameName(token.text, key)) found = value;
-    }
-    if (found || token.kind == TokenKind::DictClose) return found;
+    const bool whole = readEntries(text, [&](std::string_view name, std::string_view value) {
+        if (isSameName(name, key)) found = value;
+    });
+    if (found || whole) return found;
     const auto entry = findLaterEntry(text, key);
     return entry ? std::optional(entry->value.of(text)) : std::nullopt;
 }
 
-std::string_view lookUpValue(std::string_view text, std::string_view key) {
-    const auto found = lookUp(text, key);
-    return !found || trim(*found) == "null" ? std::string_view{} : *found;
-}
+std::string_view lookUpValue(std::string_view text, std::string_view key) { return valueOrNone(lookUp(text, key)); }
 
 std::optional<int> lookUpInt(std::string_view text, std::string_view key) {
     return Cursor(lookUpValue(text, key)).takeInt();
 }
+
+Lookups::Lookups(std::string_view text) : text_(text) {
+    whole_ = readEntries(text,
+                         [this](std::string_view name, std::string_view value) { entries_.emplace_back(name, value); });
+}
+
+std::optional<std::string_view> Lookups::find(std::string_view key) const {
+    const auto found =
+        std::find_if(entries_.rbegin(), entries_.rend(), [&](const auto& it) { return isSameName(it.first, key); });
+    if (found != entries_.rend()) return found->second;
+    const auto entry = whole_ ? std::nullopt : findLaterEntry(text_, key);
+    return entry ? std::optional(entry->value.of(text_)) : std::nullopt;
+}
+
+std::string_view Lookups::value(std::string_view key) const { return valueOrNone(find(key)); }
+
+std::optional<int> Lookups::number(std::string_view key) const { return Cursor(value(key)).takeInt(); }
 
 std::string_view entryValue(std::string_view text, std::string_view key) {
     const auto entry = findLaterEntry(text, key);

@@ -3,6 +3,8 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "syntax/Cursor.h"
 
@@ -51,6 +53,20 @@ std::optional<std::string_view> lookUp(std::string_view text, std::string_view k
 std::string_view lookUpValue(std::string_view text, std::string_view key);
 /// Its beginning as "%d" reads it.
 std::optional<int> lookUpInt(std::string_view text, std::string_view key);
+
+/// The same for several keys of one text, which is read once.
+class Lookups {
+public:
+    explicit Lookups(std::string_view text);
+    [[nodiscard]] std::optional<std::string_view> find(std::string_view key) const;
+    [[nodiscard]] std::string_view value(std::string_view key) const;
+    [[nodiscard]] std::optional<int> number(std::string_view key) const;
+
+private:
+    std::string_view text_;
+    std::vector<std::pair<std::string_view, std::string_view>> entries_;
+    bool whole_ = false;
+};
 
 /// The text of that entry's value, empty when there is none.
 std::string_view entryValue(std::string_view text, std::string_view key);

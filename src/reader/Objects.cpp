@@ -97,23 +97,24 @@ void readSectionChain(Document& document) {
         return offset && *offset != 0 && document.sections.size() < limits::kSections && known.insert(*offset).second;
     };
     logDebug(loggers::pdf, "Erster XRefStm-Check");
-    if (const auto stream = lookUpInt(keyText(*document.newest), "/XRefStm"); isNewIn(companions, stream)) {
+    const Lookups newest(keyText(*document.newest));
+    if (const auto stream = newest.number("/XRefStm"); isNewIn(companions, stream)) {
         readSection(document, *stream, kCompanionTexts);
     }
     logDebug(loggers::pdf, "Erster Prev-Check");
-    auto previous = lookUpInt(keyText(*document.newest), "/Prev");
+    auto previous = newest.number("/Prev");
     // Real sections do not overlap; a chain of ones that all reach to the same end is given up.
     std::size_t budget = limits::kObjectBytesBase / 16 + limits::kObjectBytesPerByte * document.length;
     while (isNewIn(seen, previous)) {
         const CPdfTrailer& section = *readSection(document, *previous, kPreviousTexts);
         std::size_t size = section.content().size();
-        const std::string_view keys = keyText(section);
-        if (const auto stream = lookUpInt(keys, "/XRefStm"); isNewIn(companions, stream)) {
+        const Lookups keys(keyText(section));
+        if (const auto stream = keys.number("/XRefStm"); isNewIn(companions, stream)) {
             size += readSection(document, *stream, kCompanionTexts)->content().size();
         }
         if (size > budget) break;
         budget -= size;
-        previous = lookUpInt(keys, "/Prev");
+        previous = keys.number("/Prev");
     }
 }
 

@@ -31,15 +31,15 @@ void fill(CPdfTrailer& trailer, std::string_view content, std::size_t section, s
     trailer.SetXRef(static_cast<int>(section));
 }
 
-void setIndex(CPdfTrailer& trailer, std::string_view keys) {
-    const auto index = lookUp(keys, "/Index");
+void setIndex(CPdfTrailer& trailer, const Lookups& keys) {
+    const auto index = keys.find("/Index");
     if (!index) return;
     std::string text(*index);
     trailer.Setm_cIndexField(reinterpret_cast<unsigned char*>(text.data()), static_cast<int>(text.size()));
 }
 
-std::string_view trimmedEntry(std::string_view keys, std::string_view key, std::string_view set) {
-    return trimRight(lookUpValue(keys, key), set);
+std::string_view trimmedEntry(const Lookups& keys, std::string_view key, std::string_view set) {
+    return trimRight(keys.value(key), set);
 }
 
 // The number behind "startxref", on the same line or the next one. A negative one lies behind every end.
@@ -97,21 +97,21 @@ bool takeNewestSection(Document& document, std::size_t offset) {
 
 void readNewestKeys(Document& document) {
     CPdfTrailer& newest = *document.newest;
-    const std::string_view keys = keyText(newest);
-    document.encrypted = lookUp(keys, "/Encrypt").has_value();
+    const Lookups keys(keyText(newest));
+    document.encrypted = keys.find("/Encrypt").has_value();
     logDebug(loggers::pdf, document.encrypted ? " + Encrypt: JA" : " + Encrypt: NEIN");
-    if (const auto number = lookUpInt(keys, "/XRefStm")) newest.SetXRefStmAddr(*number);
-    if (const auto number = lookUpInt(keys, "/Prev")) newest.SetPrev(*number);
+    if (const auto number = keys.number("/XRefStm")) newest.SetXRefStmAddr(*number);
+    if (const auto number = keys.number("/Prev")) newest.SetPrev(*number);
     document.update->SetPrev(newest.GetXRef());
     for (CPdfTrailer* const target : {&newest, document.update.get()}) {
-        target->setEncrypt(lookUpValue(keys, "/Encrypt"));
+        target->setEncrypt(keys.value("/Encrypt"));
         target->setId(trimmedEntry(keys, "/ID", " \n\r\t"));
-        if (lookUp(keys, "/Info")) {
+        if (keys.find("/Info")) {
             target->setInfo(trimmedEntry(keys, "/Info", "\n\r"));
             target->SetHasInfoFlag(true);
         }
-        if (lookUp(keys, "/Root")) target->setRoot(trimmedEntry(keys, "/Root", "\n\r"));
-        if (const auto size = lookUpInt(keys, "/Size")) target->SetSize(*size);
+        if (keys.find("/Root")) target->setRoot(trimmedEntry(keys, "/Root", "\n\r"));
+        if (const auto size = keys.number("/Size")) target->SetSize(*size);
         if (target->GetIsCrossRefStream()) setIndex(*target, keys);
     }
 }
@@ -161,9 +161,9 @@ void readTrailer(Document& document, CPdfTrailer& trailer, int offset) {
         if (end == kNone) return;
         fill(trailer, text.substr(at, end + kEndObj.size() - at), at, at, end, true);
     }
-    const std::string_view keys = keyText(trailer);
-    trailer.setEncrypt(lookUpValue(keys, "/Encrypt"));
-    if (lookUp(keys, "/ID")) {
+    const Lookups keys(keyText(trailer));
+    trailer.setEncrypt(keys.value("/Encrypt"));
+    if (keys.find("/ID")) {
         trailer.setId(trimmedEntry(keys, "/ID", " \n\r\t"));
         logDebug(loggers::pdf, "/ID :", trailer.id());
     } else {
@@ -171,8 +171,8 @@ void readTrailer(Document& document, CPdfTrailer& trailer, int offset) {
     }
     trailer.setInfo(trimmedEntry(keys, "/Info", "\n\r"));
     trailer.setRoot(trimmedEntry(keys, "/Root", "\n\r"));
-    if (const auto number = lookUpInt(keys, "/Prev")) trailer.SetPrev(*number);
-    if (const auto number = lookUpInt(keys, "/Size")) trailer.SetSize(*number);
+    if (const auto number = keys.number("/Prev")) trailer.SetPrev(*number);
+    if (const auto number = keys.number("/Size")) trailer.SetSize(*number);
     if (trailer.GetIsCrossRefStream()) setIndex(trailer, keys);
 }
 
@@ -187,13 +187,13 @@ void checkLinearization(Document& document) {
     const std::size_t end = rest.find(kEndObj);
     int found = 0;
     if (end != kNone) {
-        const std::string_view object = rest.substr(0, end + kEndObj.size());
-        document.linearized = lookUp(object, "/Linearized").has_value();
+        const Lookups object(rest.substr(0, end + kEndObj.size()));
+        document.linearized = object.find("/Linearized").has_value();
         for (const char* const key : {"/Linearized", "/L", "/H", "/O", "/E", "/N"}) {
-            found += document.linearized && lookUp(object, key).has_value() ? 1 : 0;
+            found += document.linearized && object.find(key).has_value() ? 1 : 0;
         }
         // /P, the first page's number, stands in for a missing /T.
-        found += document.linearized && (lookUp(object, "/T") || lookUp(object, "/P")) ? 1 : 0;
+        found += document.linearized && (object.find("/T") || object.find("/P")) ? 1 : 0;
     }
     constexpr int kRequired = 7;
     if (found != kRequired) {

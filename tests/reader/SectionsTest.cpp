@@ -1,6 +1,7 @@
 // Cross-reference tables and streams, hybrid files, chains of sections and the rule which entry wins.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,33 @@ PdfBuilder withFive(const char* body = "(old)", const char* lineEnd = "\n") {
     return builder;
 }
 
+std::string sharedCompanion() {
+    PdfBuilder builder = withFive();
+    builder.table().crossReferenceStream(8);
+    const std::string companion = std::to_string(builder.section());
+    return builder.object(6, "(six)").table({.entries = "/Root 1 0 R /XRefStm " + companion}).bytes();
+}
+
+// The section in the middle gives nothing but its /Prev.
+std::string gluedTrailer() {
+    PdfBuilder builder = withFive();
+    builder.table().object(6, "(lost)").table({.entries = "/Root 1 0 R /Glued true"}).crossReferenceStream(8);
+    std::string bytes = builder.bytes();
+    const std::size_t keyword = bytes.rfind("trailer", bytes.find("/Glued"));
+    return bytes.replace(keyword, 7, "tralier");
+}
+
+std::string withoutRows() {
+    PdfBuilder builder = withFive();
+    builder.table();
+    const std::string section = std::to_string(builder.bytes().size());
+    return builder
+        .raw("8 0 obj\n<< /Type /XRef /Size 9 /W [1 4 2] /Index [] /Root 1 0 R /Prev " +
+             std::to_string(builder.section()) + " /Length 0 >>\nstream\n\nendstream\nendobj\nstartxref\n" + section +
+             "\n%%EOF\n")
+        .bytes();
+}
+
 TEST(Sections, RecordingAnEntry) {
     struct Call {
         int offset, generation;
@@ -34,8 +62,11 @@ TEST(Sections, RecordingAnEntry) {
         {{{10, 0, "f"}}, 10, 0, false, false},
         {{{10, 0, "n"}, {20, 0, "n"}}, 10, 0, true, false},  // the first usable entry, of the newest section, wins
         {{{10, 0, "f"}, {20, 0, "n"}}, 10, 0, false, false},
-        {{{10, 0, "n"}, {20, 1, "n"}}, 20, 1, false, false},  // a generation overrides and frees
-        {{{20, 1, "n"}, {10, 0, "n"}}, 10, 0, true, false},   // but does not block a later usable entry
+        {{{10, 0, "n"}, {20, 1, "n"}}, 20, 1, false, false},     // a generation overrides and frees
+        {{{20, 1, "n"}, {10, 0, "n"}}, 10, 0, true, false},      // but does not block a later usable entry
+        {{{10, 0, "n"}, {20, 65535, "f"}}, 10, 0, true, false},  // a hybrid file hides what a newer section has
+        {{{20, 65535, "f"}, {10, 0, "n"}}, 10, 0, true, false},
+        {{{10, 0, "f"}, {20, 65535, "f"}}, 20, 65535, false, false},
         {{{99, 0, "n"}}, 99, 0, true, false},
         {{{100, 0, "n"}}, 100, 0, false, true},  // beyond the end
         {{{100, 0, "n"}, {10, 0, "n"}}, 10, 0, true, false},
@@ -141,6 +172,11 @@ TEST(Sections, WhatIsLoaded) {
              .bytes(),
          "(newer) - << /A [1] >>"},
         {"hybrid", smallDocument().objectStream(9, packed).hybrid(8).bytes(), "(packed) - << /A [1] >>"},
+        {"hybrid below an update of what it hides",
+         smallDocument().objectStream(9, packed).hybrid(8).object(5, "(new)").table().bytes(), "(new) - << /A [1] >>"},
+        {"/XRefStm and /Prev name one section", sharedCompanion(), "(old) (six) -"},
+        {"a section whose trailer does not stand alone", gluedTrailer(), "(old) - -"},
+        {"a stream without rows", withoutRows(), "(old) - -"},
         {"hybrid below an update", smallDocument().objectStream(9, packed).hybrid(8).object(6, "(six)").table().bytes(),
          "(packed) (six) << /A [1] >>"},
     };
@@ -175,6 +211,11 @@ TEST(Sections, UnreadableStreams) {
         EXPECT_TRUE(log.has("ERROR_READ_TRAILER-4"));
         EXPECT_TRUE(row.log == nullptr || log.has(row.log)) << row.log;
     }
+    const LogCapture log("VarnPDF.CPdf");
+    const OpenedPdf damaged(rows[std::size(rows) - 1].bytes);
+    const auto tries = std::ranges::count_if(
+        log.messages(), [](const std::string& line) { return line.starts_with("calling uncompress (bufferlen:"); });
+    EXPECT_EQ(tries, 149);  // 10, 20, ... 1490 times the length
 }
 
 // Numbers that lie about what the section holds: any documented answer, no crash, no memory for what is not there.
