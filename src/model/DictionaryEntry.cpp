@@ -274,6 +274,13 @@ bool readEntries(std::string_view text, Take take) {
     return token.kind == TokenKind::DictClose;
 }
 
+// Most keys that are asked for are not there; where nothing is escaped, their letters are not either. In the text of a
+// long stream looking for them would cost more than reading its dictionary.
+bool isClearlyAbsent(std::string_view text, std::string_view key) {
+    constexpr std::size_t kShort = 4096;
+    return text.size() <= kShort && text.find(key) == kNone && text.find('#') == kNone;
+}
+
 std::string_view valueOrNone(std::optional<std::string_view> found) {
     return !found || trim(*found) == "null" ? std::string_view{} : *found;
 }
@@ -307,6 +314,7 @@ ObjectTypes findTypes(std::string_view text) {
 
 std::optional<std::string_view> lookUp(std::string_view text, std::string_view key) {
     std::optional<std::string_view> found;
+    if (isClearlyAbsent(text, key)) return found;
     const bool whole = readEntries(text, [&](std::string_view name, std::string_view value) {
         if (isSameName(name, key)) found = value;
     });

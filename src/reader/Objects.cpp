@@ -93,28 +93,27 @@ void readSectionChain(Document& document) {
     // A companion may be the section that /Prev names next: each of the two ways has its own memory.
     std::unordered_set<int> seen{document.newest->GetXRef()};
     std::unordered_set<int> companions;
-    const auto isNewIn = [&](std::unordered_set<int>& known, std::optional<int> offset) {
-        return offset && *offset != 0 && document.sections.size() < limits::kSections && known.insert(*offset).second;
+    const auto isNewIn = [&](std::unordered_set<int>& known, int offset) {
+        return offset != 0 && document.sections.size() < limits::kSections && known.insert(offset).second;
     };
     logDebug(loggers::pdf, "Erster XRefStm-Check");
-    const Lookups newest(keyText(*document.newest));
-    if (const auto stream = newest.number("/XRefStm"); isNewIn(companions, stream)) {
-        readSection(document, *stream, kCompanionTexts);
+    if (const int stream = document.newest->GetXRefStmAddr(); isNewIn(companions, stream)) {
+        readSection(document, stream, kCompanionTexts);
     }
     logDebug(loggers::pdf, "Erster Prev-Check");
-    auto previous = newest.number("/Prev");
+    int previous = document.newest->GetPrev();
     // Real sections do not overlap; a chain of ones that all reach to the same end is given up.
     std::size_t budget = limits::kObjectBytesBase / 16 + limits::kObjectBytesPerByte * document.length;
     while (isNewIn(seen, previous)) {
-        const CPdfTrailer& section = *readSection(document, *previous, kPreviousTexts);
+        const CPdfTrailer& section = *readSection(document, previous, kPreviousTexts);
         std::size_t size = section.content().size();
-        const Lookups keys(keyText(section));
-        if (const auto stream = keys.number("/XRefStm"); isNewIn(companions, stream)) {
-            size += readSection(document, *stream, kCompanionTexts)->content().size();
+        const int stream = lookUpInt(keyText(section), "/XRefStm").value_or(0);
+        if (isNewIn(companions, stream)) {
+            size += readSection(document, stream, kCompanionTexts)->content().size();
         }
         if (size > budget) break;
         budget -= size;
-        previous = keys.number("/Prev");
+        previous = section.GetPrev();
     }
 }
 

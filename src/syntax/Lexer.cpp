@@ -20,12 +20,13 @@ constexpr std::array<bool, 256> byteTable(std::string_view bytes) {
 }
 constexpr auto kBlanks = byteTable(std::string_view("\0\t\n\f\r ", 6));
 constexpr auto kBrackets = byteTable(kDelimiters);
+constexpr auto kWordEnds = byteTable(std::string_view("\0\t\n\f\r ()<>[]{}/%", 16));
 
 bool isBlank(char c) noexcept { return kBlanks[static_cast<unsigned char>(c)]; }
 bool isDelimiterByte(char c) noexcept { return kBrackets[static_cast<unsigned char>(c)]; }
 
 std::optional<int> wholeNumber(const Token& token) noexcept {
-    const bool digits = token.kind == TokenKind::Word && token.text.find_first_not_of(kDigits) == kNone;
+    const bool digits = token.kind == TokenKind::Word && std::ranges::all_of(token.text, isDigit);
     return digits ? Cursor(token.text).takeInt() : std::nullopt;
 }
 
@@ -74,7 +75,7 @@ Token Lexer::literal() noexcept {
 
 Token Lexer::word(TokenKind kind) noexcept {
     const std::size_t begin = at_++;
-    while (at_ < text_.size() && !isBlank(text_[at_]) && !isDelimiterByte(text_[at_])) ++at_;
+    while (at_ < text_.size() && !kWordEnds[static_cast<unsigned char>(text_[at_])]) ++at_;
     return token(kind, begin);
 }
 
@@ -106,7 +107,7 @@ std::optional<std::string_view> Lexer::nextValue() noexcept {
     if (token.kind == TokenKind::Word) {
         const std::size_t behindWord = at_;
         at_ = begin;
-        if (!nextReference()) at_ = behindWord;
+        if (!isDigit(text_[begin]) || !nextReference()) at_ = behindWord;
         return text_.substr(begin, at_ - begin);
     }
     for (int open = 0;; token = next()) {
