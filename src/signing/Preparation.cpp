@@ -81,9 +81,24 @@ int Preparation::collectNames() {
     names_ = signatureFieldNames(document_);
     std::vector<std::string> sorted = names_;
     std::sort(sorted.begin(), sorted.end());
-    if (std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end()) return VARNPDF_OK;
+    if (std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end()) {
+        taken_ = names_;
+        addNamesBehindOddStrings();
+        return VARNPDF_OK;
+    }
     logError(loggers::sign, logtext::DOUBLE_FIELD_NAME);
     return VARNPDF_DOUBLE_FIELD_NAME;
+}
+
+// The list of names is read by the letter of the interface, which may lose a name behind a string; the new field must not
+// get that name again.
+void Preparation::addNamesBehindOddStrings() {
+    document_.objects.forEach([&](int, const CPdfObj& object) {
+        const std::string_view text = object.content();
+        if (contains(text, "/Sig") && contains(lookUpValue(text, "/FT"), "/Sig")) {
+            taken_.emplace_back(lookUpValue(text, "/T"));
+        }
+    });
 }
 
 int Preparation::openTrailer() {
@@ -209,7 +224,7 @@ int Preparation::writeObjects() {
     if (document_.length + std::size_t{2} * request_.contentsSize > kMostBytes) return VARNPDF_BYTE_RANGE_TOO_LONG;
     if (const int code = loadPicture(false); code != VARNPDF_OK) return code;
     update_.writeWaiting();
-    const auto written = appendSignature(update_.tail(), objects(), names_);
+    const auto written = appendSignature(update_.tail(), objects(), taken_);
     if (!written) {
         logError(loggers::sign, logtext::COMPRESSING_FAILED);
         return VARNPDF_COMPRESSING_FAILED;

@@ -47,6 +47,7 @@ private:
     int loadPicture(bool examine);
     [[nodiscard]] bool hasMask() const noexcept { return picture_ && picture_->transparent; }
     int collectNames();
+    void addNamesBehindOddStrings();
     int openTrailer();
     int findPage();
     int updateMetadata();
@@ -72,7 +73,8 @@ private:
     Document& document_;
     const SigningRequest& request_;
     Update update_;
-    std::vector<std::string> names_;
+    std::vector<std::string> names_;  // as the interface lists them
+    std::vector<std::string> taken_;  // and all others that a viewer knows
     std::string name_;
     std::optional<JpegImage> picture_;
     CPdfObj* catalogue_ = nullptr;

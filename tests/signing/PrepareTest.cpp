@@ -53,6 +53,9 @@ TEST(Prepare, OddStringsHideNothing) {
             EXPECT_TRUE(holds(OpenedPdf(form).body(4), "/Fields [5 0 R 6 0 R]")) << form;
             EXPECT_TRUE(holds(OpenedPdf(form).body(4), odd)) << form;
         }
+        const std::string field = "<< /Type /Annot /Subtype /Widget " + string + "/FT /Sig /T (Unterschrift1) >>";
+        const std::string named = signedFile(document("/AcroForm << /Fields [4 0 R] >>", "", {field}));
+        EXPECT_TRUE(holds(named, "/T (Unterschrift2)")) << named;
         PdfBuilder builder;
         builder.object(1, "<< /Type /Catalog " + string + "/Pages 2 0 R >>")
             .object(2, "<< /Type /Pages " + string + "/Kids [3 0 R] " + string + "/Count 1 >>")
