@@ -16,7 +16,6 @@
 
 namespace varnpdf {
 struct Access;
-struct FieldReading;
 struct PdfState;
 }  // namespace varnpdf
 
@@ -338,11 +337,6 @@ public:
 
 private:
     friend struct varnpdf::Access;
-
-    void readFields(CPdfFieldContainer& container);
-    void readField(CPdfObj& obj, varnpdf::FieldReading& reading);
-    void readAppearances(CPdfFieldContainer& container);
-    int appendFields(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfFieldContainer& container);
 
     std::unique_ptr<varnpdf::PdfState> state_;
 };

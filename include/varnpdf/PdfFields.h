@@ -1,4 +1,5 @@
-// The text fields of a form as objects and their texts: fonts, fields, and the containers of both.
+// The text fields of a form as objects and their texts: fonts, fields, and the containers of both. Members that return
+// no result code let std::bad_alloc out, except where they say what comes instead.
 #pragma once
 
 #include <memory>
@@ -151,16 +152,16 @@ public:
 
     /// `CPdfField::CheckForChanges` for every field.
     void CheckAllForChanges();
-    /// The same, then `CPdfField::UpdateValues` for every field marked new.
+    /// The same, then `CPdfField::UpdateValues` for every field marked new. A lack of memory is logged.
     void PutNewValuesToFields();
     /// Reads lines "name=value" of at most 254 characters. The value becomes the *name* of every field with that name,
     /// not its value: hosts map names this way.
-    /// @return 0, or -1 when the file cannot be opened
+    /// @return 0, -1 when the file cannot be opened, or VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
     int ReadNewValuesFromIniFile(const char* path);
     /// "FieldCount=" with the number of text fields, then "name=value" for each; lines end with CR LF. A UTF-16 value is
     /// written as UTF-8.
     void DumpFieldsToStdOut();
-    /// The same into a file.
+    /// The same into a file. A failure is logged.
     void DumpFieldsToFile(const char* path);
 
 private:

@@ -14,7 +14,8 @@ struct FormState;
 /// The form of an opened document (ISO 32000-2 12.7): all terminal fields with full names, inherited attributes and
 /// widgets, in the order of the form; then fields of widgets on pages which the form does not list. Names and values
 /// are UTF-8. The document must not be changed while the form is in use, and outlives it. Indexes count from 0; for an
-/// index out of range a text is null and a number -1. A returned text holds until the next call.
+/// index out of range a text is null and a number -1. A returned text holds until the next call. Members that return no
+/// result code let std::bad_alloc out.
 class VARNPDF_EXPORT CPdfForm {
 public:
     /// A form without fields when the document has none, `pdf` is null, or there is no memory.
@@ -52,7 +53,7 @@ public:
     int SetValue(const char* name, const char* value);
     /// Writes the old document and, when a value was set, the update into the document's output stream
     /// (`CPdf::GetByteStream`). XFA data of the form is dropped, as viewers would show its values instead.
-    /// @return 0, or VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
+    /// @return 0, or VARNPDF_PDF_MEMORY_ALLOCATION (-1014), VARNPDF_PDF_MAXSIZE (-1013)
     int WriteUpdate();
 
 private:

@@ -1,9 +1,7 @@
 // Replacing the text in the content of an appearance stream.
 #include "forms/AppearanceContent.h"
 
-#include <algorithm>
-
-#include "support/Inflate.h"
+#include "model/Stream.h"
 #include "support/Limits.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
@@ -18,20 +16,6 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 
 bool showsText(std::string_view token) { return token == "Tj" || token == "TJ" || token == "'" || token == "\""; }
-
-std::string_view streamBytes(std::string_view object, std::size_t begin, std::string_view length) {
-    const std::string_view rest = object.substr(begin);
-    const auto declared = numberOf(length);
-    if (declared && *declared >= 0 && *declared <= static_cast<double>(rest.size())) {
-        const auto size = static_cast<std::size_t>(*declared);
-        Lexer behind(rest, size);
-        if (behind.next().text == "endstream") return rest.substr(0, size);
-    }
-    std::size_t end = std::min(rest.rfind("endstream"), rest.size());
-    if (end > 0 && rest[end - 1] == '\n') --end;
-    if (end > 0 && rest[end - 1] == '\r') --end;
-    return rest.substr(0, end);
-}
 
 // The next operand or operator. A closing bracket without an opening one ends nothing here.
 std::optional<std::string_view> nextPart(Lexer& content) {
@@ -93,40 +77,17 @@ std::optional<std::string> withShownCodes(std::string_view content, std::string_
     return out;
 }
 
-std::optional<StreamParts> streamParts(std::string_view object, const References& references, std::size_t& budget) {
-    const std::string_view value = objectValue(object);
-    if (!value.starts_with("<<")) return std::nullopt;
-    const std::size_t end = offsetIn(object, value) + value.size();
-    Lexer behind(object, end);
-    const Token keyword = behind.next();
-    if (keyword.text != "stream") return std::nullopt;
-    const Dictionary dictionary(value);
-    const std::size_t begin = streamDataBegin(object, keyword.begin);
-    const std::string_view bytes = streamBytes(object, begin, references.follow(dictionary.find("/Length")));
-    std::string_view filter = references.follow(dictionary.find("/Filter"));
-    if (filter.starts_with('[')) {
-        Lexer names(filter);
-        names.next();
-        filter = names.next().text;
-        if (filter != "]" && names.next().text != "]") return std::nullopt;
-    }
-    if (end > budget) return std::nullopt;
-    budget -= end;
-    StreamParts parts{object.substr(0, end), {}, filter == "/FlateDecode" || filter == "/Fl"};
-    if (!parts.packed) {
-        if (!filter.empty() && filter != "]") return std::nullopt;
-        if (bytes.size() > std::min(limits::kAppearanceBytes, budget)) return std::nullopt;
-        budget -= bytes.size();
-        parts.data = bytes;
-        return parts;
-    }
-    if (!references.follow(dictionary.find("/DecodeParms")).empty()) return std::nullopt;
-    std::size_t produced = 0;
-    const auto inflated = inflateAll(bytes, std::min(limits::kAppearanceBytes, budget), &produced);
-    budget -= std::min(budget, produced);
-    if (!inflated) return std::nullopt;
-    parts.data = inflated->view();
-    return parts;
+std::optional<StreamParts> streamParts(const Document& document, const CPdfObj& object, std::size_t& budget) {
+    const auto stream = streamOf(document, object);
+    if (!stream) return std::nullopt;
+    const Packing packing = packingOf(document, stream->dictionary);
+    const std::string_view text = object.content();
+    const std::string_view head = text.substr(0, offsetIn(text, stream->dictionary) + stream->dictionary.size());
+    if (packing == Packing::Other || head.size() > budget) return std::nullopt;
+    budget -= head.size();
+    const auto data = decodedWithin(document, *stream, limits::kAppearanceBytes, budget);
+    if (!data) return std::nullopt;
+    return StreamParts{head, std::string(data->view()), packing == Packing::Flate};
 }
 
 std::string streamObject(std::string_view head, std::string_view data, bool packed) {

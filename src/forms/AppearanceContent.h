@@ -5,8 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "forms/Font.h"
-#include "forms/TextLayout.h"
+#include "model/Document.h"
 #include "syntax/Cursor.h"
 
 namespace varnpdf {
@@ -27,9 +26,9 @@ struct StreamParts {
     std::string data;       ///< unpacked
     bool packed = false;
 };
-/// Nothing when the object has no stream, or one with a filter other than /FlateDecode. `budget` is what may still be
-/// unpacked or copied; what was is taken off.
-std::optional<StreamParts> streamParts(std::string_view object, const References& references, std::size_t& budget);
+/// Nothing when the object has no stream, or one that is packed otherwise than by /FlateDecode alone. `budget` is what
+/// may still be unpacked or copied; what was is taken off.
+std::optional<StreamParts> streamParts(const Document& document, const CPdfObj& object, std::size_t& budget);
 
 /// The object with this data: /Length fits, /Filter says whether it is packed, /DecodeParms is gone.
 std::string streamObject(std::string_view head, std::string_view data, bool packed);

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+#include "reader/Pages.h"
+#include "support/Limits.h"
+#include "support/Text.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Encoding.h"
 #include "syntax/Lexer.h"
@@ -12,7 +15,6 @@ namespace varnpdf {
 namespace {
 
 constexpr std::size_t kNoField = std::string_view::npos;
-constexpr int kLongestChain = 8;  // references to references; a loop ends here
 
 void inherit(std::string_view& attribute, std::string_view own) {
     if (!own.empty()) attribute = own;
@@ -38,9 +40,15 @@ unsigned FormField::flags() const {
     return static_cast<unsigned>(std::clamp(numberOf(attributes.flags).value_or(0), 0.0, 2e9));
 }
 
-FormTree::FormTree(CPdf& pdf) : pdf_(pdf) {
-    const CPdfTrailer* const trailer = pdf.GetLastTrailer();
-    CPdfObj* const catalogue = trailer == nullptr ? nullptr : object(trailer->root());
+FormField loneField(CPdfObj& object) {
+    const Dictionary own(object.content());
+    FormField field{{}, withOwn({}, own), &object, {}};
+    if (own.find("/Subtype") == "/Widget") field.widgets.push_back(&object);
+    return field;
+}
+
+FormTree::FormTree(Document& document) : document_(document), lookup_(document) {
+    CPdfObj* const catalogue = document.newest ? object(document.newest->root()) : nullptr;
     if (catalogue == nullptr) return;
     const std::string_view value = Dictionary(catalogue->content()).find("/AcroForm");
     formIsDirect_ = value.starts_with("<<");
@@ -54,27 +62,16 @@ FormTree::FormTree(CPdf& pdf) : pdf_(pdf) {
     for (CPdfObj* const field : kids(form_.find("/Fields"))) stack.push_back({field, "", defaults, kNoField, 0});
     std::reverse(stack.begin(), stack.end());
     walk(std::move(stack));
-    findPages();
+    findPages(*catalogue);
     walkWidgetsOutside(defaults);
 }
 
 CPdfObj* FormTree::object(std::string_view reference) const {
-    const auto number = referenceOf(reference);
-    CPdfObj* const found = number ? pdf_.get_pdf_obj_from_map(*number) : nullptr;
+    CPdfObj* const found = lookup_.resolve(reference).holder;
     return found == nullptr || found->content().empty() ? nullptr : found;
 }
 
-std::string_view FormTree::follow(std::string_view value) const {
-    for (int i = 0; i < kLongestChain && referenceOf(value); ++i) {
-        const CPdfObj* const target = object(value);
-        if (target == nullptr) return {};
-        // Many may refer to one long object; it is read once.
-        const auto [known, isNew] = values_.try_emplace(target);
-        if (isNew) known->second = objectValue(target->content());
-        value = known->second;
-    }
-    return value;
-}
+std::string_view FormTree::follow(std::string_view value) const { return lookup_.resolve(value).value; }
 
 // The objects of an array that have not been met before, each once. An array shared by several nodes is read for one.
 std::vector<CPdfObj*> FormTree::kids(std::string_view array) {
@@ -104,7 +101,7 @@ void FormTree::walk(std::vector<Node> stack) {
 void FormTree::walkWidgetsOutside(const FieldAttributes& defaults) {
     std::unordered_set<const CPdfObj*> climbed;
     for (const int number : annotations_) {
-        CPdfObj* const widget = pdf_.get_pdf_obj_from_map(number);
+        CPdfObj* const widget = document_.objects.find(number);
         if (widget == nullptr || seen_.contains(widget)) continue;
         if (Dictionary(widget->content()).find("/Subtype") != "/Widget") continue;
         walk({{topOf(widget, climbed), "", defaults, kNoField, 0}});
@@ -167,14 +164,13 @@ int FormTree::pageOf(const CPdfObj& widget) const {
 }
 
 // What counts is which page lists the widget; /P of the widget is optional and often wrong.
-void FormTree::findPages() {
-    const CPdfObj* const catalogue = object(pdf_.GetLastTrailer()->root());
-    CPdfObj* const root = catalogue == nullptr ? nullptr : object(Dictionary(catalogue->content()).find("/Pages"));
+void FormTree::findPages(const CPdfObj& catalogue) {
+    CPdfObj* const root = pagesRoot(document_, catalogue);
     if (root == nullptr) return;
     std::unordered_set<const CPdfObj*> read;
-    for (int index = 0;; ++index) {
-        const CPdfObj* const page = pdf_.GetPdfPageObject(root, index, nullptr, nullptr);
-        if (page == nullptr) return;
+    int index = -1;
+    for (const CPdfObj* const page : pagesBelow(document_, *root)) {
+        ++index;
         if (!read.insert(page).second) continue;
         const std::string_view annots = Dictionary(page->content()).find("/Annots");
         const CPdfObj* const array = object(annots);

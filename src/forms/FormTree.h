@@ -10,9 +10,8 @@
 
 #include "forms/FieldLocks.h"
 #include "forms/Font.h"
-#include "support/Limits.h"
+#include "model/Lookup.h"
 #include "syntax/Dictionary.h"
-#include "varnpdf/Pdf.h"
 
 namespace varnpdf {
 
@@ -44,10 +43,14 @@ struct FormField {
     [[nodiscard]] unsigned flags() const;
 };
 
+/// A field that the form does not reach; it shows its value all the same when it is a widget.
+FormField loneField(CPdfObj& object);
+
 class FormTree : public References {
 public:
-    explicit FormTree(CPdf& pdf);
+    explicit FormTree(Document& document);
 
+    [[nodiscard]] Document& document() const { return document_; }
     /// Terminal fields in the order of the tree.
     [[nodiscard]] const std::vector<FormField>& fields() const { return fields_; }
     [[nodiscard]] std::string_view follow(std::string_view value) const override;
@@ -78,20 +81,20 @@ private:
     [[nodiscard]] CPdfObj* topOf(CPdfObj* widget, std::unordered_set<const CPdfObj*>& climbed) const;
     void visit(Node node, std::vector<Node>& stack);
     [[nodiscard]] std::vector<CPdfObj*> kids(std::string_view array);
-    void findPages();
+    void findPages(const CPdfObj& catalogue);
     void readLocks();
 
-    CPdf& pdf_;
+    Document& document_;
+    mutable LookupCache lookup_;
     Dictionary form_;
     CPdfObj* formHolder_ = nullptr;
     bool formIsDirect_ = false;
     std::vector<FormField> fields_;
     std::size_t nameBytes_ = 0;
     std::unordered_set<const CPdfObj*> seen_;
-    mutable std::unordered_map<const CPdfObj*, std::string_view> values_;  // of objects that were referred to
-    std::unordered_set<const CPdfObj*> arrays_;                            // of kids that have been read
-    std::unordered_map<int, int> pages_;                                   // by number of the annotation
-    std::vector<int> annotations_;                                         // in the order of the pages
+    std::unordered_set<const CPdfObj*> arrays_;  // of kids that have been read
+    std::unordered_map<int, int> pages_;         // by number of the annotation
+    std::vector<int> annotations_;               // in the order of the pages
     int omitted_ = 0;
     FieldLocks locks_;
     bool locksKnown_ = false;

@@ -4,15 +4,14 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 #include <utility>
 #include <vector>
 
-#include "api/PdfState.h"
+#include "forms/TextLayout.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Values.h"
-#include "writer/SectionTexts.h"
+#include "varnpdf/result.h"
 
 namespace varnpdf {
 namespace {
@@ -111,8 +110,7 @@ struct FormUpdate::Shown {
     std::optional<StreamParts> parts;  // of it, when its surroundings of the text are kept
 };
 
-FormUpdate::FormUpdate(CPdf& pdf, FormTree& tree)
-    : pdf_(pdf), tree_(tree), next_(std::max(pdf.GetLastTrailer()->GetSize(), pdf.get_max_obj_num_from_map() + 1)) {
+FormUpdate::FormUpdate(FormTree& tree) : tree_(tree), update_(tree.document()) {
     const Dictionary fonts(tree.follow(Dictionary(tree.follow(tree.form().find("/DR"))).find("/Font")));
     for (const Dictionary::Entry& font : fonts.entries()) {
         fontsOfForm_[nameOf(font.key)] = font.value == "null" ? std::string_view{} : font.value;
@@ -131,12 +129,6 @@ private:
     FormUpdate& update_;
 };
 
-std::string& FormUpdate::changed(const CPdfObj& object) {
-    const auto [text, isNew] = texts_.try_emplace(object.GetObjNum());
-    if (isNew) text->second = object.content();
-    return text->second;
-}
-
 // A value that may be shared by many widgets. Together they may not cost more than the budget.
 std::string_view FormUpdate::part(std::string_view value) {
     const std::string_view followed = tree_.follow(value);
@@ -146,14 +138,14 @@ std::string_view FormUpdate::part(std::string_view value) {
 }
 
 void FormUpdate::setValue(const FormField& field, std::u32string_view value) {
-    std::string& text = changed(*field.object);
+    std::string& text = update_.change(*field.object);
     setEntry(text, "/V", textStringObject(value));
     setEntry(text, "/RV", "");  // the same value as rich text, which would win in viewers that know it
     const std::u32string shown = withLineFeeds(value);
     for (CPdfObj* const widget : field.widgets) {
         // Some producers repeat the value in the widgets; an old one there would be shown.
         if (widget != field.object && !Dictionary(widget->content()).find("/V").empty()) {
-            std::string& own = changed(*widget);
+            std::string& own = update_.change(*widget);
             setEntry(own, "/V", "");
         }
         showValue(field, *widget, shown);
@@ -190,7 +182,7 @@ void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32stri
     shown.style.border = borderWidth(own, lines, Charged(*this));
 
     shown.old = tree_.object(Dictionary(part(own.find("/AP"))).find("/N"));
-    if (shown.old != nullptr) shown.parts = streamParts(shown.old->content(), tree_, budget_);
+    if (shown.old != nullptr) shown.parts = streamParts(tree_.document(), *shown.old, budget_);
     const Dictionary form(shown.parts ? shown.parts->head : std::string_view{});
     const auto oldBox = boxOf(part(form.find("/BBox")));
     if (!oldBox || !markedText(shown.parts->data)) shown.parts.reset();
@@ -256,9 +248,9 @@ void FormUpdate::chooseFont(Shown& shown, std::string_view resources, std::u32st
 
 std::string FormUpdate::substituteFont() {
     if (substitute_ == 0) {
-        substitute_ = next_++;
-        texts_[substitute_] = text(substitute_, " 0 obj\r\n", "<<\r\n/Type /Font\r\n/Subtype /Type1\r\n",
-                                   "/BaseFont /Helvetica\r\n/Encoding /WinAnsiEncoding\r\n>>\r\nendobj\r\n");
+        substitute_ = update_.reserve();
+        update_.put(substitute_, text(substitute_, " 0 obj\r\n", "<<\r\n/Type /Font\r\n/Subtype /Type1\r\n",
+                                      "/BaseFont /Helvetica\r\n/Encoding /WinAnsiEncoding\r\n>>\r\nendobj\r\n"));
     }
     return text(substitute_, " 0 R");
 }
@@ -277,7 +269,7 @@ void FormUpdate::writeAppearance(CPdfObj& widget, const Shown& shown) {
     int number = reuse ? shown.old->GetObjNum() : 0;
     if (!reuse) {
         int& made = made_[widget.GetObjNum()];
-        if (made == 0) made = next_++;
+        if (made == 0) made = update_.reserve();
         number = made;
     }
     std::string head = text(number, " 0 obj\r\n");
@@ -294,20 +286,22 @@ void FormUpdate::writeAppearance(CPdfObj& widget, const Shown& shown) {
             setEntry(head, "/Resources", resourcesWith(resources, shown));
         }
     }
-    texts_[number] = streamObject(head, shown.content, shown.parts && shown.parts->packed);
-
-    const auto known = texts_.find(widget.GetObjNum());
-    const Dictionary own(known == texts_.end() ? widget.content() : std::string_view(known->second));
-    const Dictionary appearances(own.find("/AP"));
+    std::string stream = streamObject(head, shown.content, shown.parts && shown.parts->packed);
+    if (reuse) {
+        update_.change(*shown.old) = std::move(stream);
+    } else {
+        update_.put(number, std::move(stream));
+    }
+    const Dictionary appearances(Dictionary(update_.current(widget)).find("/AP"));
     const bool leadsThere = appearances.entries().size() == 1 && referenceOf(appearances.find("/N")) == number;
     if (leadsThere) return;
-    std::string& text = changed(widget);
+    std::string& text = update_.change(widget);
     setEntry(text, "/AP", varnpdf::text("<</N ", number, " 0 R>>"));
 }
 
 // Without an appearance a viewer makes one, with the fonts that it has.
 void FormUpdate::leaveToViewers(CPdfObj& widget) {
-    std::string& text = changed(widget);
+    std::string& text = update_.change(widget);
     setEntry(text, "/AP", "");
     needAppearances_ = true;
 }
@@ -339,7 +333,7 @@ void FormUpdate::updateForm() {
     const bool needed = needAppearances_ && tree_.follow(tree_.form().find("/NeedAppearances")) != "true";
     const bool hasXfa = !tree_.form().find("/XFA").empty();
     if (holder == nullptr || (!needed && !hasXfa)) return;
-    std::string& object = changed(*holder);
+    std::string& object = update_.change(*holder);
     std::string form(tree_.formIsDirect() ? Dictionary(object).find("/AcroForm") : std::string_view(object));
     if (needed) setEntry(form, "/NeedAppearances", "true");
     setEntry(form, "/XFA", "");
@@ -350,37 +344,17 @@ void FormUpdate::updateForm() {
     }
 }
 
-void FormUpdate::write() {
-    pdf_.ResetByteStream(pdf_.GetContentLen());
-    pdf_.WriteOld2ByteStream();
-    if (texts_.empty()) return;
+int FormUpdate::write() {
+    written_.reset();
+    if (update_.empty()) return VARNPDF_OK;
     updateForm();
-    writeObjects();
+    written_.emplace(update_);
+    written_->writeWaiting();
+    return written_->close({.section = Update::Section::Table});
 }
 
-// The table is put together here: subsections added one by one would cost the square of their number.
-void FormUpdate::writeObjects() {
-    const std::string_view old = documentOf(pdf_).view();
-    if (!old.empty() && !isEol(old.back())) print(Access::state(pdf_), "\r\n");
-    std::vector<std::pair<int, std::vector<int>>> runs;  // first number, offsets
-    for (const auto& [number, text] : texts_) {
-        const bool follows = !runs.empty() && runs.back().first + static_cast<int>(runs.back().second.size()) == number;
-        if (!follows) runs.emplace_back(number, std::vector<int>{});
-        runs.back().second.push_back(pdf_.GetByteStreamLen());
-        print(Access::state(pdf_), objectText(number, 0, text));
-    }
-    CPdfXRefContainer xrefs;
-    auto subsections = std::make_unique<CPdfXRef[]>(runs.size());
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const auto& [first, offsets] = runs[i];
-        subsections[i].SetRef(first, static_cast<int>(offsets.size()));
-        for (std::size_t k = 0; k < offsets.size(); ++k) subsections[i].GetRefEntry()[k].SetPos(offsets[k]);
-    }
-    xrefs.SetXRef(subsections.release());
-    xrefs.SetXRefNum(static_cast<int>(runs.size()));
-    CPdfTrailer* const trailer = pdf_.GetUpdateTrailer();
-    trailer->SetSize(std::max(trailer->GetSize(), next_));
-    pdf_.WriteTrailer(&xrefs, trailer, true, false);
+std::vector<std::string_view> FormUpdate::pieces() const {
+    return written_ ? written_->pieces() : std::vector<std::string_view>{};
 }
 
 }  // namespace varnpdf

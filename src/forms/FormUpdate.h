@@ -1,7 +1,6 @@
 // New values of fields as an appended update: the fields, their widgets and the appearances of these.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,27 +10,28 @@
 #include "forms/FormTree.h"
 #include "support/Limits.h"
 #include "syntax/Dictionary.h"
-#include "varnpdf/Pdf.h"
+#include "writer/Update.h"
 
 namespace varnpdf {
 
 class FormUpdate {
 public:
-    FormUpdate(CPdf& pdf, FormTree& tree);
+    explicit FormUpdate(FormTree& tree);
 
     /// Gives a text field a value and every widget of it an appearance that shows the value.
     void setValue(const FormField& field, std::u32string_view value);
-    /// Nothing has been given a value yet.
-    [[nodiscard]] bool empty() const { return texts_.empty(); }
-    /// Writes the old document and the update into the document's output stream.
-    void write();
+    /// Puts the update together; without a value there is none. Further values and another update may follow, which
+    /// holds all of them.
+    /// @return VARNPDF_OK or VARNPDF_PDF_MAXSIZE
+    int write();
+    /// What was put together last, to stand behind the old document.
+    [[nodiscard]] std::vector<std::string_view> pieces() const;
 
 private:
     struct Shown;
     class Charged;
     void showValue(const FormField& field, CPdfObj& widget, std::u32string_view value);
     [[nodiscard]] Shown styleOf(const FormField& field, const Dictionary& widget);
-    void writeObjects();
     [[nodiscard]] std::string_view part(std::string_view value);
     void chooseFont(Shown& shown, std::string_view resources, std::u32string_view value);
     const std::optional<FieldFont>& fontOf(std::string_view value);
@@ -42,14 +42,12 @@ private:
     std::string resourcesWith(std::string_view resources, const Shown& shown);
     void leaveToViewers(CPdfObj& widget);
     void updateForm();
-    std::string& changed(const CPdfObj& object);
     [[nodiscard]] bool isShared(int appearance);
 
-    CPdf& pdf_;
     FormTree& tree_;
+    Update update_;                                                  // waiting
+    std::optional<Update> written_;                                  // a copy of it, closed
     std::unordered_map<std::string, std::string_view> fontsOfForm_;  // by name: a form may have as many as fields
-    std::map<int, std::string> texts_;                               // of changed and new objects, by number
-    int next_;
     int substitute_ = 0;
     bool needAppearances_ = false;
     std::size_t budget_ = limits::kAppearancesBytes;

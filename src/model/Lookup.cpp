@@ -11,18 +11,31 @@ namespace {
 
 bool isNothing(std::string_view value) { return value == "null" || value == "endobj"; }
 
-}  // namespace
-
-Resolved resolve(const Document& document, std::string_view value) {
+template <typename ValueOf>
+Resolved followed(const Document& document, std::string_view value, ValueOf valueOf) {
     Resolved found{value, nullptr};
     for (int i = 0; i < limits::kReferenceChain; ++i) {
         const auto number = referenceOf(found.value);
         if (!number) return isNothing(found.value) ? Resolved{{}, found.holder} : found;
         found.holder = document.objects.find(*number);
         if (found.holder == nullptr) return {};
-        found.value = objectValue(found.holder->content());
+        found.value = valueOf(*found.holder);
     }
     return {};
+}
+
+}  // namespace
+
+Resolved resolve(const Document& document, std::string_view value) {
+    return followed(document, value, [](const CPdfObj& object) { return objectValue(object.content()); });
+}
+
+Resolved LookupCache::resolve(std::string_view value) {
+    return followed(document_, value, [this](const CPdfObj& object) {
+        const auto [known, isNew] = values_.try_emplace(&object);
+        if (isNew) known->second = objectValue(object.content());
+        return known->second;
+    });
 }
 
 CPdfObj* objectOf(const Document& document, std::string_view value) { return resolve(document, value).holder; }

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 
 #include "model/Document.h"
 
@@ -21,6 +22,17 @@ CPdfObj* objectOf(const Document& document, std::string_view value);
 std::string_view resolved(const Document& document, std::string_view value);
 /// What the entry of a dictionary stands for: `text` is a dictionary, or an object that is one.
 std::string_view entryOf(const Document& document, std::string_view text, std::string_view key);
+
+/// `resolve` with memory: many may refer to one long object, which is read once. The objects must not change meanwhile.
+class LookupCache {
+public:
+    explicit LookupCache(const Document& document) : document_(document) {}
+    Resolved resolve(std::string_view value);
+
+private:
+    const Document& document_;
+    std::unordered_map<const CPdfObj*, std::string_view> values_;
+};
 
 /// A number as integer or with its fraction, also behind references.
 std::optional<int> integerOf(const Document& document, std::string_view value);

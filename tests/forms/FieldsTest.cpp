@@ -176,6 +176,24 @@ TEST(Fields, NewValuesReachObjectsAndAppearances) {
     }
 }
 
+TEST(Fields, OfTextsForOneAppearanceTheLastIsWritten) {
+    PdfBuilder pdf = formDocument("5 0 R 6 0 R", "");
+    pdf.object(5, "<< /FT /Tx /T (a) /V (old) /AP << /N 7 0 R>> >>");
+    pdf.object(6, "<< /FT /Tx /T (b) /V (old) /AP << /N 7 0 R>> >>");
+    pdf.stream(7, "/BBox [0 0 99 20]", "/Tx BMC (old) Tj EMC").object(8, "null");
+    OpenedPdf opened(pdf.table().bytes());
+    const Container container(opened.pdf.ReadFields());
+    container->GetFields(0)->SetNewValue("first");
+    container->GetFields(1)->SetNewValue("second");
+    container->PutNewValuesToFields();
+    opened.pdf.WriteOld2ByteStream();
+    CPdfXRefContainer xrefs;
+    EXPECT_EQ(opened.pdf.AppendObjects(nullptr, &xrefs, container.get()), 2);
+    EXPECT_EQ(xrefs.GetXRefNum(), 3);
+    opened.pdf.WriteTrailer(&xrefs, opened.pdf.GetUpdateTrailer(), true, false);
+    EXPECT_NE(OpenedPdf(streamOf(opened.pdf)).body(7).find("(second) Tj"), std::string::npos);
+}
+
 TEST(Fields, ManyFieldsTakeLinearTime) {
     PdfBuilder pdf = formDocument("", "");
     constexpr int kMany = 20'000;

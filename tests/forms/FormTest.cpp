@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/forms/Forms.h"
+#include "varnpdf/PdfDoc.h"
 #include "varnpdf/result.h"
 
 namespace {
@@ -148,6 +149,47 @@ TEST(Form, FontsThatLackACharacterAreReplaced) {
         EXPECT_NE(stream.find(font), std::string::npos) << stream;
         EXPECT_NE(stream.find(shown), std::string::npos) << stream;
     }
+}
+
+TEST(Form, StringsBeforeAnEntryHideNothing) {
+    for (const std::string odd : {"/Odd (C:\\\\docs\\\\) ", "/Odd (\\\\\\)) ", "/Odd (a(b)c) "}) {
+        PdfBuilder pdf;
+        pdf.object(1, "<< " + odd + "/Type /Catalog " + odd + "/Pages 2 0 R /AcroForm 7 0 R >>");
+        pdf.object(2, "<< /Type /Pages /Kids [3 0 R] /Count 1 >>");
+        pdf.object(3, "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 200 200] " + odd + "/Annots [6 0 R] >>");
+        pdf.object(4, "<< /Type /Font /Subtype /Type1 " + odd + "/BaseFont /Helvetica /Encoding /WinAnsiEncoding >>");
+        pdf.object(5, "<< " + odd + "/FT /Tx /T (a) " + odd + "/Kids [6 0 R] >>");
+        pdf.object(6, "<< /T (stampDate) /V (old) " + odd + "/Subtype /Widget /Parent 5 0 R /Rect [0 0 99 20] >>");
+        pdf.object(7, "<< " + odd + "/Fields [5 0 R] /DA (/F 0 Tf) " + odd + "/DR << /Font << /F 4 0 R >> >> >>");
+        pdf.object(8, "null");
+        const Filled filled(pdf.table().bytes(), {{"a.stampDate", "x"}});
+        EXPECT_EQ(filled.code, 0) << odd;
+        EXPECT_EQ(listed(filled.again->pdf), "a.stampDate:Tx:0:0:1=x ") << odd;
+        EXPECT_NE(filled.again->body(9).find("/F 4 0 R"), std::string::npos) << filled.again->body(9);
+        // The readers of single fields find the form and its fonts as well.
+        OpenedPdf opened(pdf.bytes());
+        const std::unique_ptr<CPdfFieldContainer> fields(opened.pdf.ReadFields());
+        ASSERT_NE(fields->GetFontContainer(), nullptr) << odd;
+        EXPECT_STREQ(fields->GetFontContainer()->GetFontByShortName("F")->GetRefNum(), "4 0 R") << odd;
+        EXPECT_EQ(CPdfDoc().MergePKCS7PDF(&opened.pdf, nullptr, "D:20261115"s.data()), 0);
+        OpenedPdf stamped(streamOf(opened.pdf));
+        EXPECT_EQ(listed(stamped.pdf), "a.stampDate:Tx:0:0:1=15-11-2026 ") << odd;
+    }
+}
+
+TEST(Form, EachUpdateHoldsAllValues) {
+    PdfBuilder pdf = formDocument("5 0 R 6 0 R", "");
+    pdf.object(5, "<< /FT /Tx /T (a) >>").object(6, "<< /FT /Tx /T (b) >>");
+    OpenedPdf opened(pdf.table().bytes());
+    CPdfForm form(&opened.pdf);
+    EXPECT_EQ(form.WriteUpdate(), 0);
+    EXPECT_EQ(appended(opened), "");
+    for (const char* const name : {"a", "b"}) {
+        EXPECT_EQ(form.SetValue(name, "x"), 0);
+        EXPECT_EQ(form.WriteUpdate(), 0);
+    }
+    OpenedPdf again(streamOf(opened.pdf));
+    EXPECT_EQ(listed(again.pdf), "a:Tx:0:-1:1=x b:Tx:0:-1:1=x ");
 }
 
 TEST(Form, RefusesWhatMustNotChange) {

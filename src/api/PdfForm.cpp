@@ -4,9 +4,14 @@
 #include <string>
 #include <unordered_map>
 
+#include "api/UpdateOutput.h"
+#include "forms/AppearanceContent.h"
 #include "forms/FormTree.h"
 #include "forms/FormUpdate.h"
+#include "support/Guarded.h"
+#include "support/Limits.h"
 #include "support/Loggers.h"
+#include "support/Text.h"
 #include "syntax/Encoding.h"
 #include "syntax/Lexer.h"
 #include "syntax/Values.h"
@@ -15,7 +20,7 @@
 using namespace varnpdf;
 
 struct varnpdf::FormState {
-    explicit FormState(CPdf& document) : pdf(document), tree(document), update(document, tree) {
+    explicit FormState(CPdf& document) : pdf(document), tree(documentOf(document)), update(tree) {
         for (std::size_t i = 0; i < tree.fields().size(); ++i) byName.emplace(tree.fields()[i].name, i);
     }
     [[nodiscard]] const FormField* field(int index) const {
@@ -23,6 +28,7 @@ struct varnpdf::FormState {
         return index < 0 || i >= tree.fields().size() ? nullptr : &tree.fields()[i];
     }
     [[nodiscard]] int check(const FormField& field, std::size_t length);
+    int setValue(std::string_view name, std::string_view value);
 
     CPdf& pdf;
     FormTree tree;
@@ -50,7 +56,7 @@ std::optional<std::string> shownValue(std::string_view value, const FormTree& tr
         return lines;
     }
     std::size_t budget = limits::kAppearanceBytes;
-    const auto parts = object == nullptr ? std::nullopt : streamParts(object->content(), tree, budget);
+    const auto parts = object == nullptr ? std::nullopt : streamParts(tree.document(), *object, budget);
     return parts ? toUtf8(fromTextString(parts->data)) : std::optional<std::string>();
 }
 
@@ -64,11 +70,26 @@ int FormState::check(const FormField& field, std::size_t length) {
     return most > 0 && static_cast<double>(length) > most ? VARNPDF_FIELD_VALUE_TOO_LONG : VARNPDF_OK;
 }
 
+int FormState::setValue(std::string_view name, std::string_view value) {
+    if (documentOf(pdf).locked) return VARNPDF_LOCKED;
+    const std::u32string characters = fromUtf8OrLatin1(value);
+    const auto [begin, end] = byName.equal_range(name);
+    if (begin == end) return VARNPDF_FIELD_MISSING;
+    for (auto it = begin; it != end; ++it) {
+        const int code = check(tree.fields()[it->second], characters.size());
+        if (code != VARNPDF_OK) return code;
+    }
+    for (auto it = begin; it != end; ++it) update.setValue(tree.fields()[it->second], characters);
+    return VARNPDF_OK;
+}
+
 CPdfForm::CPdfForm(CPdf* pdf) {
     if (pdf == nullptr || pdf->GetLastTrailer() == nullptr) return;
-    try {
+    const int code = guarded([&]() -> int {
         state_ = std::make_unique<FormState>(*pdf);
-    } catch (...) {
+        return VARNPDF_OK;
+    });
+    if (code != VARNPDF_OK) {
         logError(loggers::form, "CPdfForm: kein Speicher");
         return;
     }
@@ -95,12 +116,7 @@ const char* CPdfForm::GetType(int index) {
 const char* CPdfForm::GetValue(int index) {
     const FormField* const field = state_ ? state_->field(index) : nullptr;
     if (field == nullptr || state_->tree.follow(field->attributes.value).empty()) return nullptr;
-    try {
-        state_->text = shownValue(field->attributes.value, state_->tree).value_or("");
-    } catch (...) {
-        logError(loggers::form, "GetValue: kein Speicher");
-        state_->text.clear();
-    }
+    state_->text = shownValue(field->attributes.value, state_->tree).value_or("");
     return state_->text.c_str();
 }
 
@@ -133,37 +149,19 @@ int CPdfForm::GetWidgetNum(int index) const {
 int CPdfForm::GetLocked(int index) {
     const FormField* const field = state_ ? state_->field(index) : nullptr;
     if (field == nullptr) return -1;
-    try {
-        return state_->pdf.get_lockstate() == 1 || state_->tree.isLocked(field->name) ? 1 : 0;
-    } catch (...) {
-        logError(loggers::form, "GetLocked: kein Speicher");
-        return 1;  // what is not known to be free is not to be changed
-    }
+    return documentOf(state_->pdf).locked || state_->tree.isLocked(field->name) ? 1 : 0;
 }
 
 int CPdfForm::SetValue(const char* name, const char* value) {
-    try {
-        if (!state_ || name == nullptr || value == nullptr) return VARNPDF_FIELD_MISSING;
-        if (state_->pdf.get_lockstate() == 1) return VARNPDF_LOCKED;
-        const std::u32string characters = fromUtf8OrLatin1(value);
-        const auto [begin, end] = state_->byName.equal_range(name);
-        if (begin == end) return VARNPDF_FIELD_MISSING;
-        for (auto it = begin; it != end; ++it) {
-            const int code = state_->check(state_->tree.fields()[it->second], characters.size());
-            if (code != VARNPDF_OK) return code;
-        }
-        for (auto it = begin; it != end; ++it) state_->update.setValue(state_->tree.fields()[it->second], characters);
-        return VARNPDF_OK;
-    } catch (...) {
-        return VARNPDF_PDF_MEMORY_ALLOCATION;
-    }
+    if (!state_ || name == nullptr || value == nullptr) return VARNPDF_FIELD_MISSING;
+    return guarded([&]() -> int { return state_->setValue(name, value); });
 }
 
 int CPdfForm::WriteUpdate() {
-    try {
-        if (state_) state_->update.write();
-        return VARNPDF_OK;
-    } catch (...) {
-        return VARNPDF_PDF_MEMORY_ALLOCATION;
-    }
+    if (!state_) return VARNPDF_OK;
+    return guarded([&]() -> int {
+        const int code = state_->update.write();
+        if (code == VARNPDF_OK) writeOutput(state_->pdf, state_->update.pieces());
+        return code;
+    });
 }

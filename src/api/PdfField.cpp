@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "api/FieldFont.h"
 #include "forms/FieldValue.h"
 #include "support/Guarded.h"
 #include "support/Limits.h"
@@ -108,11 +109,8 @@ int CPdfField::CheckForChanges() {
 }
 
 void CPdfField::UpdateValues(CFontObj* defaultFont) {
-    guarded([&]() -> int {
-        std::size_t budget = limits::kAppearanceBytes * kAppearances;
-        updateValues(defaultFont, budget);
-        return VARNPDF_OK;
-    });
+    std::size_t budget = limits::kAppearanceBytes * kAppearances;
+    updateValues(defaultFont, budget);
 }
 
 void CPdfField::updateValues(CFontObj* defaultFont, std::size_t& budget) {
@@ -123,7 +121,7 @@ void CPdfField::updateValues(CFontObj* defaultFont, std::size_t& budget) {
     orgObj_.setContent(text);
     const CFontObj* const font = font_ != nullptr ? font_ : defaultFont;
     for (CPdfObj& appearance : appearances_) {
-        if (appearance.GetContentLen() != 0) replaceShownValue(appearance, *newValue_, font, 1, budget);
+        if (appearance.GetContentLen() != 0) replaceShownValue(appearance, *newValue_, nameOfFont(font), true, budget);
     }
 }
 
@@ -171,18 +169,20 @@ int CPdfFieldContainer::ReadNewValuesFromIniFile(const char* path) {
         logError(loggers::fields, "ReadNewValuesFromIniFile: ", path == nullptr ? "" : path);
         return -1;
     }
-    char buffer[kLine];
-    while (std::fgets(buffer, sizeof buffer, file.get()) != nullptr) {
-        std::string_view line(buffer);
-        const auto name = takePiece(line);
-        auto value = name ? takePiece(line) : std::nullopt;
-        if (!value) continue;
-        if (value->ends_with('\n')) value->remove_suffix(1);
-        for (const auto& field : fields_) {
-            if (field->tag_ && *field->tag_ == *name) field->setTag(*value);
+    return guarded([&]() -> int {
+        char buffer[kLine];
+        while (std::fgets(buffer, sizeof buffer, file.get()) != nullptr) {
+            std::string_view line(buffer);
+            const auto name = takePiece(line);
+            auto value = name ? takePiece(line) : std::nullopt;
+            if (!value) continue;
+            if (value->ends_with('\n')) value->remove_suffix(1);
+            for (const auto& field : fields_) {
+                if (field->tag_ && *field->tag_ == *name) field->setTag(*value);
+            }
         }
-    }
-    return 0;
+        return VARNPDF_OK;
+    });
 }
 
 std::string CPdfFieldContainer::dump() {
@@ -199,11 +199,8 @@ std::string CPdfFieldContainer::dump() {
 }
 
 void CPdfFieldContainer::DumpFieldsToStdOut() {
-    guarded([&]() -> int {
-        const std::string lines = dump();
-        std::fwrite(lines.data(), 1, lines.size(), stdout);
-        return VARNPDF_OK;
-    });
+    const std::string lines = dump();
+    std::fwrite(lines.data(), 1, lines.size(), stdout);
 }
 
 void CPdfFieldContainer::DumpFieldsToFile(const char* path) {
