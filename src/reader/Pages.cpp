@@ -111,7 +111,11 @@ void walkTree(const Document& document, std::string_view references, const CPdfO
     }
 }
 
-bool isPage(CPdfObj& obj) { return obj.typeEntry() == "/Page"; }
+// The types that every object keeps are read by the letter of the lookups, which a string may lead astray.
+bool isPage(CPdfObj& obj) {
+    const std::string_view type = obj.typeEntry();
+    return type == "/Page" || (type.empty() && lookUpValue(obj.content(), "/Type") == "/Page");
+}
 
 CPdfObj* pagesRoot(const Document& document, const CPdfObj& catalogue) {
     return referencedObject(document, lookUpValue(catalogue.content(), "/Pages"));

@@ -91,8 +91,8 @@ TWO_PAGES = bodies(PAGE + " /Annots 6 0 R", "/Type /Pages /Kids [3 0 R 5 0 R] /C
                    more={5: f"<< {PAGE} /Annots 6 0 R >>", 6: "[7 0 R]", 7: link("0.8 0.2 0.2")})
 BARE_PAGE = "/Type /Page /Parent 2 0 R /Contents 4 0 R"
 INHERITED = bodies(BARE_PAGE, KIDS + " /Rotate 90 " + PAGE.split("4 0 R")[1])
-# Strings that end in an escaped backslash, hold an escaped parenthesis, or parentheses in pairs.
-ODD = r"/X [(C:\\docs\\) (a\\\)b) (a(b)c)] "
+# Strings that hold parentheses in pairs, and end in an escaped backslash.
+ODD = r"/X (a(b)c) /Y (C:\\docs\\) "
 ODD_STRINGS = bodies(ODD + PAGE + " /Annots [5 0 R]", ODD + KIDS, ODD + f"/AcroForm << {ODD} /Fields [] >>",
                      {5: link("0.2 0.8 0.2")})
 BEHIND = bodies(PAGE.replace("[0 0 300 200]", "5 0 R"), more={5: "[0 0 300 200]"})

@@ -59,7 +59,7 @@ TEST(Prepare, OddStringsHideNothing) {
         PdfBuilder builder;
         builder.object(1, "<< /Type /Catalog " + string + "/Pages 2 0 R >>")
             .object(2, "<< /Type /Pages " + string + "/Kids [3 0 R] " + string + "/Count 1 >>")
-            .object(3, "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] >>");
+            .object(3, "<< " + string + "/Type /Page /Parent 2 0 R /MediaBox [0 0 612 792] >>");
         const std::string trailer =
             signedFile(builder.table({.entries = string + "/ID [" + odd + " (b)] /Root 1 0 R "}).bytes());
         EXPECT_TRUE(holds(trailer.substr(trailer.rfind("trailer")), "/Root 1 0 R")) << trailer;
