@@ -31,18 +31,25 @@ struct varnpdf::SignState {
     Bytes prepared;
     std::size_t contentsOffset = 0;
 
-    int prepare(Document& document, const SigningRequest& request, bool takeBytes);
+    int prepare(PdfState& pdf, const SigningRequest& request, bool takeBytes);
 };
 
 // The prepared bytes are the old ones and the update without the room of the value. A document that is given up may
 // hand over its bytes: growing them does not copy a large file.
-int SignState::prepare(Document& document, const SigningRequest& request, bool takeBytes) {
+int SignState::prepare(PdfState& pdf, const SigningRequest& request, bool takeBytes) {
+    Document& document = pdf.document;
     Preparation preparation(document, request);
+    pdf.objectCount = preparation.firstNumber();
     if (const int code = preparation.run(); code != VARNPDF_OK) return code;
     const std::size_t old = document.length;
     const std::string_view tail = preparation.tail();
     const std::size_t begin = preparation.room().begin - old;
     const std::size_t end = preparation.room().end - old;
+    // Hosts that keep the document find the update in its output stream.
+    if (!takeBytes) {
+        pdf.output.init(static_cast<unsigned>(old));
+        print(pdf, tail);
+    }
     Bytes bytes;
     if (takeBytes) {
         bytes = releaseBytes(document);
@@ -100,7 +107,7 @@ int CPdfSign::SignPDFFile(char* pdfFile, int page, int posMode, int x, int y, in
                                      .fields = viewOf(fields, fieldCount),
                                      .lock = lock > 0,
                                      .skipImageCheck = skipImageCheck};
-        return state_->prepare(documentOf(pdf), request, true);
+        return state_->prepare(Access::state(pdf), request, true);
     };
     return guarded(sign, VARNPDF_CAN_NOT_LOAD_PDF_FILE);
 }
@@ -147,7 +154,10 @@ int CPdfSign::DummySign(CPdf* pdf, int page, int posMode, int x, int y, int widt
                                  .fields = viewOf(fields, fieldCount),
                                  .lock = lock > 0,
                                  .skipImageCheck = skipImageCheck};
-    return guarded([&] { return state_->prepare(documentOf(*pdf), request, false); });
+    return guarded([&]() -> int {
+        pdf->PdfGetNumSignatures();
+        return state_->prepare(Access::state(*pdf), request, false);
+    });
 }
 
 void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char* sig, std::uint32_t sigLen,

@@ -26,7 +26,7 @@ constexpr int kMostNumber = std::numeric_limits<int>::max() - 1000;
 
 // The number that new objects begin with: /Size where it is not below the highest number in use, so that a file whose
 // /Size equals that number gives it away. Hosts have such files, and know the numbers.
-int firstNumber(const Document& document) {
+int firstNumberOf(const Document& document) {
     const int size = document.newest ? document.newest->GetSize() : 0;
     const int highest = std::min(document.objects.maxObjectNumber(), kMostNumber);
     return size >= highest ? size : highest + 1;
@@ -37,7 +37,8 @@ int firstNumber(const Document& document) {
 Preparation::Preparation(Document& document, const SigningRequest& request)
     : document_(document),
       request_(request),
-      update_(document, {.firstLine = Update::FirstLine::Always, .firstNumber = firstNumber(document)}) {}
+      firstNumber_(firstNumberOf(document)),
+      update_(document, {.firstLine = Update::FirstLine::Always, .firstNumber = firstNumber_}) {}
 
 int Preparation::run() {
     logDebug(loggers::sign, "entering CPdfSign::DummySign");

@@ -19,6 +19,8 @@ class Preparation {
 public:
     Preparation(Document& document, const SigningRequest& request);
 
+    /// The number that new objects begin with.
+    [[nodiscard]] int firstNumber() const noexcept { return firstNumber_; }
     /// 0 or the code of the first step that failed.
     int run();
 
@@ -72,6 +74,7 @@ private:
 
     Document& document_;
     const SigningRequest& request_;
+    int firstNumber_;
     Update update_;
     std::vector<std::string> names_;  // as the interface lists them
     std::vector<std::string> taken_;  // and all others that a viewer knows

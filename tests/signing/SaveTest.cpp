@@ -97,6 +97,21 @@ TEST(SaveSignature, Failures) {
 }
 
 // Sanitizers end the process when an allocation fails.
+TEST(DummySign, LeavesTheUpdateWithTheDocument) {
+    OpenedPdf opened(smallDocument().table().bytes());
+    Request request;
+    CPdfSign sign;
+    std::string why = "why";
+    ASSERT_EQ(sign.DummySign(&opened.pdf, 0, 1, 0, 0, 0, 0, 0, why.data(), why.data(), why.data(), request.date.data(),
+                             kRoom, false, 0, 0, nullptr, nullptr, 0, 0, false),
+              0);
+    EXPECT_EQ(opened.pdf.GetObjNum(), 4);  // the number that new objects begin with
+    std::string file = preparedBytes(sign);
+    file.insert(sign.GetContentsOffset(), "<00000000>");
+    const std::string_view update(opened.pdf.GetByteStream(), static_cast<std::size_t>(opened.pdf.GetByteStreamLen()));
+    EXPECT_EQ(file.substr(opened.pdf.GetContentLen()), update);
+}
+
 #ifndef __SANITIZE_ADDRESS__
 TEST(NoMemory, IsACodeAndNoException) {
     OpenedPdf opened(smallDocument().table().bytes());
