@@ -15,14 +15,19 @@ bool errorWanted(const ClassLogger& logger);
 void writeDebug(const ClassLogger& logger, const std::string& message);
 void writeError(const ClassLogger& logger, const std::string& message);
 
+// A message that cannot be made or written is left out: it never changes what an operation does.
 template <typename... Parts>
-void logDebug(const ClassLogger& logger, const Parts&... parts) {
-    if (debugWanted(logger)) writeDebug(logger, text(parts...));
+void logDebug(const ClassLogger& logger, const Parts&... parts) noexcept {
+    try {
+        if (debugWanted(logger)) writeDebug(logger, text(parts...));
+    } catch (...) {}
 }
 
 template <typename... Parts>
-void logError(const ClassLogger& logger, const Parts&... parts) {
-    if (errorWanted(logger)) writeError(logger, text(parts...));
+void logError(const ClassLogger& logger, const Parts&... parts) noexcept {
+    try {
+        if (errorWanted(logger)) writeError(logger, text(parts...));
+    } catch (...) {}
 }
 
 }  // namespace varnpdf
