@@ -222,6 +222,11 @@ public:
     [[nodiscard]] int GetByteStreamLen() const;
     /// Writes one object and records it in the container, at its offset in full mode.
     void WriteTextAnnotation(CPdfTrailer* trailer, CPdfXRefContainer* xrefs, CPdfObj* obj);
+    /// Writes the text of a new or changed object, with its own number and generation, and records it in the container
+    /// at the place where it stands in the file: `tailMode` as for `WriteTrailer`.
+    /// @return 0, VARNPDF_UPDATE_OBJECT_MISSING (-1024: a null pointer, or an object without number or text) or
+    ///         VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
+    int WriteContent(CPdfXRefContainer* xrefs, CPdfObj* obj, bool tailMode);
     /// Writes the cross-reference table of the container and the trailer; `renewId` renews the second part of /ID.
     /// Returns 0.
     int WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode);
@@ -245,8 +250,9 @@ public:
 
     // --- documents from nothing ------------------------------------------------------------------------------------
     // SetHeader, CreateObject for each object (the catalogue by CreateRoot), WriteObjArrayToContent, WriteXrefToContent,
-    // WriteTrailerToContent, then WriteAndClose or GetContent. std::bad_alloc or std::length_error leaves those that
-    // lengthen the content when there is no memory, or beyond 2 GB.
+    // WriteTrailerToContent, then WriteAndClose or GetContent. Without memory, or beyond 2 GB, those that return a code
+    // return VARNPDF_PDF_MEMORY_ALLOCATION (-1014) with nothing changed; std::bad_alloc or std::length_error leaves the
+    // others.
 
     /// Makes the object with the number object count + 1, generation 0, in slot object count, and counts it.
     /// @param comment  line behind the object's head, without "%"; "" for none
@@ -263,7 +269,7 @@ public:
     int WriteObjArrayToContent();
     /// Appends the cross-reference table of these objects and keeps its offset. 0 or -1 likewise.
     int WriteXrefToContent();
-    /// Appends the trailer, with `id` as both file identifiers. Returns 0.
+    /// Appends the trailer, with `id` as both file identifiers.
     int WriteTrailerToContent(int size, std::string id);
     /// Writes the content to the file named by `set_pdf_file_name` and closes the input file. A file that cannot be
     /// written whole is removed. 0, or -1 when there is no content or it cannot be written.

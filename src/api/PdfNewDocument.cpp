@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "api/PdfState.h"
+#include "support/Guarded.h"
 #include "support/Loggers.h"
 #include "support/StagedFile.h"
 #include "syntax/Text.h"
@@ -19,58 +20,36 @@ std::string_view viewOf(const char* bytes, int len) {
 }  // namespace
 
 int CPdf::CreateObject(std::string comment, int /*ignored*/, const char* body, int bodyLen, CPdfObj::ContentType type) {
-    const int slot = state_->objectCount;
-    auto object = std::make_unique<CPdfObj>();
-    object->setContent(newObjectText(slot + 1, comment, viewOf(body, bodyLen), type));
-    object->SetObjNum(slot + 1);
-    object->SetGenNumber(0);
-    object->SetObjectType(type);
-    if (!state_->document.objects.insert(slot, object)) return -1;
-    state_->objectCount = slot + 1;
-    return 0;
+    return guarded([&] { return createObject(*state_, viewOf(body, bodyLen), type, comment) > 0 ? 0 : -1; });
 }
 
 void CPdf::SetHeader(char* header) {
-    if (header != nullptr) state_->content.insert(state_->document, 0, header);
+    if (header != nullptr) putHeader(*state_, header);
 }
 
 void CPdf::AppendToContent(char* data, int len, bool setPos, int slot) {
-    state_->content.own(state_->document);
+    const std::size_t at = appendBytes(*state_, viewOf(data, len));
     CPdfObj* const object = setPos ? state_->document.objects.find(slot) : nullptr;
-    const auto end = static_cast<int>(state_->document.length) - 1;
-    state_->content.append(state_->document, viewOf(data, len));
-    if (object != nullptr) object->SetFromPos(end);
+    if (object != nullptr) object->SetFromPos(static_cast<int>(at));
 }
 
 int CPdf::WriteObjArrayToContent() {
-    Document& document = state_->document;
-    if (!slotsFilled(document, state_->objectCount)) return -1;
-    state_->content.own(document);
-    for (int slot = 0; slot < state_->objectCount; ++slot) {
-        CPdfObj& object = *document.objects.find(slot);
-        object.SetFromPos(static_cast<int>(document.length) - 1);
-        state_->content.append(document, object.content());
-    }
-    return 0;
+    return guarded([&] { return writeObjects(*state_) ? 0 : -1; });
 }
 
 int CPdf::WriteXrefToContent() {
-    Document& document = state_->document;
-    if (!slotsFilled(document, state_->objectCount)) return -1;
-    state_->content.own(document);
-    state_->tableOffset = static_cast<int>(document.length) - 1;
-    state_->content.append(document, newTableText(document, state_->objectCount));
-    return 0;
+    return guarded([&] { return writeTable(*state_) ? 0 : -1; });
 }
 
 int CPdf::WriteTrailerToContent(int size, std::string id) {
-    state_->content.append(state_->document, newTrailerText(size, state_->rootNumber, id, state_->tableOffset));
-    return 0;
+    return guarded([&] {
+        writeTrailer(*state_, size, id);
+        return VARNPDF_OK;
+    });
 }
 
 int CPdf::WriteAndClose() {
-    std::string_view bytes = state_->document.view();
-    if (state_->content.owns()) bytes.remove_suffix(1);
+    const std::string_view bytes = bytesOf(*state_);
     bool written = false;
     if (!bytes.empty()) {
         StagedFile file(state_->fileName.c_str());
@@ -84,14 +63,15 @@ int CPdf::WriteAndClose() {
     return written ? 0 : -1;
 }
 
-void CPdf::CreateIdent() { state_->ident = "<123456>"; }
+void CPdf::CreateIdent() { state_->ident = kNewIdent; }
 std::string CPdf::GetIdent() const { return state_->ident; }
 
 int CPdf::CreateRoot(std::string openAction, std::string names, std::string pages, std::string collection,
                      std::string metadata, std::string pageLabels, std::string outputIntents) {
-    state_->rootNumber = state_->objectCount + 1;
-    const std::string body = catalogueBody({openAction, names, pages, collection, metadata, pageLabels, outputIntents});
-    return CreateObject("", 0, body.data(), static_cast<int>(body.size()), CPdfObj::eContentDictionary);
+    return guarded([&] {
+        const PortfolioCatalogue catalogue{openAction, names, pages, collection, metadata, pageLabels, outputIntents};
+        return createRoot(*state_, catalogue) > 0 ? 0 : -1;
+    });
 }
 
 int CPdf::GetRootObjNum() const { return state_->rootNumber; }

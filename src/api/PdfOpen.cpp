@@ -1,6 +1,4 @@
 // CPdf: construction, opening, the early checks and searching the bytes.
-#include <sys/stat.h>
-
 #include <cstring>
 #include <limits>
 
@@ -23,12 +21,6 @@ constexpr int kModeLast = 2;
 
 int offsetOrNone(std::size_t at) { return at == KeywordSearch::kNone ? -1 : static_cast<int>(at); }
 
-// Nothing but a regular file has a length that can be trusted; a file that is not there is left to fopen.
-bool isOtherThanFile(const char* filename) {
-    struct stat info {};
-    return stat(filename, &info) == 0 && !S_ISREG(info.st_mode);
-}
-
 }  // namespace
 
 CPdf::CPdf() : state_(std::make_unique<PdfState>()) {}
@@ -38,12 +30,9 @@ CPdf::~CPdf() = default;
 int CPdf::Open(const char* filename, const char* mode) {
     if (filename == nullptr || mode == nullptr) return VARNPDF_CAN_NOT_LOAD_PDF_FILE;
     const auto open = [&]() -> int {
-        logDebug(loggers::pdf, "######################");
-        logDebug(loggers::pdf, "### START PDF OPEN ###");
-        logDebug(loggers::pdf, "Dateiname: ", filename);
         Document& document = state_->document;
         state_->fileName = filename;
-        state_->file.reset(isOtherThanFile(filename) ? nullptr : std::fopen(filename, mode));
+        state_->file = openFile(filename, mode);
         const bool isHeld = document.bytes != nullptr;
         if (const int code = readBytes(document, state_->file.get()); code != VARNPDF_OK) return code;
         if (isHeld) return findRoot(document);
@@ -52,11 +41,12 @@ int CPdf::Open(const char* filename, const char* mode) {
         check_lockstate();
         return findRoot(document);
     };
-    return guarded(open, VARNPDF_CAN_NOT_LOAD_PDF_FILE);
+    return guarded(open, VARNPDF_PDF_MEMORY_ALLOCATION, VARNPDF_CAN_NOT_LOAD_PDF_FILE);
 }
 
 int CPdf::Reopen(char* mode) {
-    return guarded([&] { return Open(std::string(state_->fileName).c_str(), mode); }, VARNPDF_CAN_NOT_LOAD_PDF_FILE);
+    return guarded([&] { return Open(std::string(state_->fileName).c_str(), mode); }, VARNPDF_PDF_MEMORY_ALLOCATION,
+                   VARNPDF_CAN_NOT_LOAD_PDF_FILE);
 }
 
 int CPdf::ParseContent(unsigned char* data, unsigned int len, bool /*release*/) {

@@ -1,41 +1,25 @@
 // What stands behind a CPdf: the document, and what a host keeps beside it.
 #pragma once
 
-#include <cstdio>
-#include <memory>
 #include <string>
-#include <vector>
 
-#include "model/Document.h"
+#include "reader/Open.h"
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Pdf.h"
 #include "writer/NewDocument.h"
 
 namespace varnpdf {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
-
-struct PdfState {
-    Document document;
+/// A document that is read and one from nothing are one class to hosts.
+struct PdfState : NewDocument {
     CByteStream output;  ///< of an update, or of the whole file with one
     std::string fileName;
-    std::unique_ptr<std::FILE, FileCloser> file;
+    FileHandle file;
     CPdfSigInfo signatures;
     bool signaturesCounted = false;
     int signatureCount = 0;
-    int objectCount = 0;
     int fieldCounter = 0;
     bool etsiSubFilter = false;
-    std::vector<std::unique_ptr<CPdfObjTransferListItem>> transfers;
-
-    // A document from nothing.
-    GrowingBytes content;
-    std::string ident;
-    int pagesParent = 0;
-    int rootNumber = 0;
-    int tableOffset = 0;
 };
 
 /// The way from the exported class to what it stands for.

@@ -1,5 +1,8 @@
 // CPdf: the output stream of an appended update.
+#include <algorithm>
+
 #include "api/PdfState.h"
+#include "support/Guarded.h"
 #include "writer/SectionTexts.h"
 
 using namespace varnpdf;
@@ -18,6 +21,19 @@ void CPdf::WriteTextAnnotation(CPdfTrailer* /*trailer*/, CPdfXRefContainer* xref
     if (xrefs == nullptr || obj == nullptr) return;
     addObjectEntry(*xrefs, obj->GetObjNum(), obj->GetGenNumber(), state_->output.tell());
     print(*state_, objectText(obj->GetObjNum(), obj->GetGenNumber(), obj->content()));
+}
+
+// What is written comes first: bytes that no entry names do no harm, an entry without its object does.
+int CPdf::WriteContent(CPdfXRefContainer* xrefs, CPdfObj* obj, bool tailMode) {
+    if (xrefs == nullptr || obj == nullptr) return VARNPDF_UPDATE_OBJECT_MISSING;
+    if (obj->GetObjNum() < 1 || obj->content().empty()) return VARNPDF_UPDATE_OBJECT_MISSING;
+    return guarded([&]() -> int {
+        const int generation = std::max(obj->GetGenNumber(), 0);
+        const std::size_t at = tailMode ? filePosition(*state_) : state_->output.tell();
+        print(*state_, objectText(obj->GetObjNum(), generation, obj->content()));
+        addObjectEntry(*xrefs, obj->GetObjNum(), generation, at);
+        return VARNPDF_OK;
+    });
 }
 
 int CPdf::WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode) {

@@ -2,6 +2,7 @@
 #include "reader/Open.h"
 
 #include <sys/mman.h>
+#include <sys/stat.h>
 
 #include <charconv>
 #include <cstdint>
@@ -24,6 +25,12 @@ namespace varnpdf {
 namespace {
 
 constexpr std::string_view kHeader = "%PDF-";
+
+// A file that is not there is left to fopen.
+bool isOtherThanFile(const char* path) {
+    struct stat info {};
+    return stat(path, &info) == 0 && !S_ISREG(info.st_mode);
+}
 
 long fileLength(std::FILE* file) {
     if (std::fseek(file, 0, SEEK_END) != 0) return -1;
@@ -77,6 +84,20 @@ float versionOf(std::string_view digits) {
 }
 
 }  // namespace
+
+FileHandle openFile(const char* path, const char* mode) {
+    logDebug(loggers::pdf, "######################");
+    logDebug(loggers::pdf, "### START PDF OPEN ###");
+    logDebug(loggers::pdf, "Dateiname: ", path);
+    return FileHandle(isOtherThanFile(path) ? nullptr : std::fopen(path, mode));
+}
+
+int openDocument(Document& document, const char* path) {
+    const FileHandle file = openFile(path, "rb");
+    if (const int code = readBytes(document, file.get()); code != VARNPDF_OK) return code;
+    if (const int code = readDocument(document); code != VARNPDF_OK) return code;
+    return findRoot(document);
+}
 
 int readBytes(Document& document, std::FILE* file) {
     const long length = file == nullptr ? 0 : fileLength(file);

@@ -2,11 +2,23 @@
 #pragma once
 
 #include <cstdio>
+#include <memory>
 #include <string_view>
 
 #include "model/Document.h"
 
 namespace varnpdf {
+
+struct FileCloser {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+/// Logs that a document is going to be opened and opens its file; null when that cannot be done, or for what is no
+/// regular file: only those have a length that can be trusted.
+FileHandle openFile(const char* path, const char* mode);
+/// The document in a file; 0 or a result code, which is logged. Whether it is locked is left open.
+int openDocument(Document& document, const char* path);
 
 /// Reads the bytes of an open file into an empty document; 0 or a result code, which is logged.
 int readBytes(Document& document, std::FILE* file);

@@ -55,6 +55,13 @@ std::string_view Update::current(const CPdfObj& object) const {
     return known == changed_.end() ? object.content() : std::string_view(known->second);
 }
 
+void Update::dropUnchanged() {
+    std::erase_if(changed_, [&](const auto& entry) {
+        const CPdfObj* const object = document_.objects.find(entry.first);
+        return object != nullptr && object->content() == entry.second;
+    });
+}
+
 void Update::writeWaiting() {
     for (const auto& [number, text] : changed_) {
         const CPdfObj* const object = document_.objects.find(number);

@@ -57,6 +57,8 @@ public:
     [[nodiscard]] std::string_view current(const CPdfObj& object) const;
     /// The text of a new object; a second one with its number takes its place.
     void put(int number, std::string text) { put_[number] = std::move(text); }
+    /// Forgets the changed texts that are as the document has them.
+    void dropUnchanged();
     /// Nothing has been changed or put.
     [[nodiscard]] bool empty() const noexcept { return changed_.empty() && put_.empty(); }
 

@@ -74,23 +74,37 @@ TEST(Update, TableAndTrailer) {
 TEST(Update, ObjectsAreRecordedAtTheirOffsets) {
     OpenedPdf old(smallDocument().table().bytes());
     const std::string before = old.file.read();
-    for (const bool full : {true, false}) {
+    // `WriteContent` knows both modes; `WriteTextAnnotation` records what is right in full mode.
+    const struct { bool full, content; } rows[] = {{true, true}, {false, true}, {true, false}};
+    for (const auto& [full, content] : rows) {
         old.pdf.ResetByteStream(static_cast<unsigned>(before.size()));
         if (full) old.pdf.WriteOld2ByteStream();
         Runs runs;
         for (const std::string_view text : {"20 0 obj\r\n(a\0b)\r\nendobj"sv, "21 0 obj\r\n5\r\nendobj\n"sv}) {
             CPdfObj obj(text[1] == '0' ? 20 : 21, 0, -1, -1);
             obj.setContent(text);
-            old.pdf.WriteTextAnnotation(nullptr, &runs, &obj);
+            if (content) {
+                EXPECT_EQ(old.pdf.WriteContent(&runs, &obj, !full), 0);
+            } else {
+                old.pdf.WriteTextAnnotation(nullptr, &runs, &obj);
+            }
         }
         EXPECT_EQ(streamOf(old.pdf),
                   (full ? before : "") + "20 0 obj\r\n(a\0b)\r\nendobj\r\n21 0 obj\r\n5\r\nendobj\n"s);
         using varnpdf::Digits;
-        const auto first = static_cast<long long>(full ? before.size() : 0);
+        const auto first = static_cast<long long>(before.size());
         EXPECT_EQ(varnpdf::crossReferenceTable(runs),
                   varnpdf::text("xref\r\n20 1 \r\n", Digits{first, 10}, " 00000 n\r\n21 1 \r\n", Digits{first + 25, 10},
                                 " 00000 n\r\n"));
     }
+    Runs runs;
+    CPdfObj nothing;
+    CPdfObj empty(7, 0, -1, -1);
+    EXPECT_EQ(old.pdf.WriteContent(nullptr, &empty, true), -1024);
+    for (CPdfObj* const obj : {&nothing, &empty, static_cast<CPdfObj*>(nullptr)}) {
+        EXPECT_EQ(old.pdf.WriteContent(&runs, obj, true), -1024);
+    }
+    EXPECT_EQ(runs.GetXRefNum(), 0);
 }
 
 TEST(Update, ObjectText) {
