@@ -4,17 +4,14 @@
 #include <memory>
 #include <string>
 
+#include "varnpdf/MimeTypes.h"
 #include "varnpdf/export.h"
 
 class CPdf;
 
-/// Number of rows of the two tables.
-VARNPDF_EXPORT extern const int iMaxMIMETypes;
-/// File extensions in lower case with their dot, in alphabetical order. One may stand in several rows that follow each
-/// other; the first is the one that counts.
-VARNPDF_EXPORT extern const char* const FileExtensions[642];
-/// Row i is the media type ("application/pdf") of extension row i.
-VARNPDF_EXPORT extern const char* const MIME_Types[642];
+namespace varnpdf {
+class EmbeddedFiles;
+}
 
 /// Embeds files by an appended update (ISO 32000-2 7.11.4). Holds nothing; different objects may be used by different
 /// threads at the same time.
@@ -32,14 +29,14 @@ public:
     /// @return 0, VARNPDF_PATH_MISSING (-1008), VARNPDF_FILE_NAME_TOO_LONG (-1007), VARNPDF_ATTACHMENT_UNREADABLE
     ///         (-1171), VARNPDF_ATTACHMENT_EMPTY (-1172), VARNPDF_MIME_TYPE_UNKNOWN (-1173), an open code of
     ///         `CPdf::Open`, VARNPDF_PDF_MAXSIZE (-1013: the document would become larger than can be opened),
-    ///         VARNPDF_NAME_TREE_UNUSABLE (-1174), VARNPDF_SAVE_FAILED (-1023), or a zlib error (-2 to -6)
+    ///         VARNPDF_NAME_TREE_UNUSABLE (-1174), VARNPDF_SAVE_FAILED (-1023), VARNPDF_PDF_MEMORY_ALLOCATION (-1014),
+    ///         or a zlib error (-2 to -6)
     int AttachFileToPDF(unsigned char* pdfPath, unsigned char* filePath, int reserved);
-
-private:
 };
 
 /// The files embedded in an opened document: those of the name tree in its order, then those of file attachment
-/// annotations (ISO 32000-2 12.5.6.15). Used by one thread at a time and not longer than the document.
+/// annotations (ISO 32000-2 12.5.6.15). Used by one thread at a time and not longer than the document. std::bad_alloc
+/// leaves the members that return a text when there is no memory for it.
 class VARNPDF_EXPORT CPdfAttachments {
 public:
     /// Looks through the document, which must be open. Damaged parts of the tree are passed over; the list
@@ -59,13 +56,12 @@ public:
     [[nodiscard]] std::string GetMimeType(int index) const;
     /// The size that the document states in bytes, -1 when it does not.
     [[nodiscard]] long long GetSize(int index) const;
-    /// The file's bytes: a null buffer asks for the length, a second call with room for it fetches them. What can be
-    /// read are streams without filter or with /FlateDecode.
-    /// @return 0, VARNPDF_EMBEDDED_FILE_MISSING (-1175: no such file, or it has no stream) or
-    ///         VARNPDF_EMBEDDED_FILE_UNREADABLE (-1176: another filter, or damaged data)
+    /// The file's bytes: a null buffer asks for the length, a second call with room for it fetches them.
+    /// @return 0, VARNPDF_EMBEDDED_FILE_MISSING (-1175: no such file, or it has no stream),
+    ///         VARNPDF_EMBEDDED_FILE_UNREADABLE (-1176: a filter for images, an unknown one, or damaged data) or
+    ///         VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
     int GetContent(int index, unsigned char* buffer, unsigned long* length);
 
 private:
-    struct VARNPDF_HIDDEN List;
-    std::unique_ptr<List> list_;
+    std::unique_ptr<varnpdf::EmbeddedFiles> list_;
 };

@@ -8,7 +8,7 @@
 
 class CPdf;
 
-/// One input file of a portfolio.
+/// One input file of a portfolio. std::bad_alloc leaves members that copy a text when there is no memory for it.
 class VARNPDF_EXPORT CPdfCollectionListItem {
 public:
     /// Kinds of files. A PDF must open and be of version 1.4 or older; of the others only the bytes are looked at.
@@ -38,7 +38,7 @@ private:
 };
 
 /// Builds portfolios (ISO 32000-2 12.3.5). Holds nothing; different objects may be used by different threads at the
-/// same time.
+/// same time. std::bad_alloc leaves the members that return a text when there is no memory for it.
 class VARNPDF_EXPORT CPdfCollection {
 public:
     CPdfCollection();
@@ -51,9 +51,9 @@ public:
     /// @return 0, VARNPDF_COLLECTION_PATH_MISSING (-1300), VARNPDF_COLLECTION_EMPTY (-1301),
     ///         VARNPDF_COLLECTION_NAME_MISSING (-1302), VARNPDF_COLLECTION_FILE_TYPE (-1303),
     ///         VARNPDF_COLLECTION_ACTIVE (-1304), VARNPDF_COLLECTION_FILE_UNREADABLE (-1305),
-    ///         VARNPDF_COLLECTION_NOT_WRITTEN (-1306: the file cannot be written, or there is not enough memory),
-    ///         VARNPDF_COLLECTION_PDF_UNREADABLE (-1307), VARNPDF_COLLECTION_PDF_VERSION (-1308) or
-    ///         VARNPDF_TRAILER_INCOMPLETE (-1004: the active document has no page)
+    ///         VARNPDF_COLLECTION_NOT_WRITTEN (-1306), VARNPDF_COLLECTION_PDF_UNREADABLE (-1307),
+    ///         VARNPDF_COLLECTION_PDF_VERSION (-1308), VARNPDF_TRAILER_INCOMPLETE (-1004: the active document has no
+    ///         page) or VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
     int CreateCollection(char* path, std::list<CPdfCollectionListItem*> items);
 
     /// Copies an object of `source`, and everything it refers to except through /Parent, into the object array of
@@ -74,6 +74,4 @@ public:
     /// The kind of a value as `CPdfHelper::ReadObject` numbers it: 1 boolean, 2 number, 3 string, 4 name, 5 array,
     /// 6 dictionary, 7 stream, 8 null, 0 none of them. References are followed; one that leads nowhere is null.
     int ExamineValue(std::string value, CPdf* source);
-
-private:
 };

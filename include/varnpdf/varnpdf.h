@@ -3,6 +3,7 @@
 
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Convert.h"
+#include "varnpdf/MimeTypes.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfAttach.h"
 #include "varnpdf/PdfCollection.h"

@@ -1,5 +1,5 @@
 // Extensions of file names, in alphabetical order; row i goes with row i of MIME_Types.
-#include "varnpdf/PdfAttach.h"
+#include "varnpdf/MimeTypes.h"
 
 // clang-format off
 const char* const FileExtensions[642] = {

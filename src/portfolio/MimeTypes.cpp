@@ -1,5 +1,5 @@
 // Media types (IANA and long-established x- types), row by row those of FileExtensions.
-#include "varnpdf/PdfAttach.h"
+#include "varnpdf/MimeTypes.h"
 
 const int iMaxMIMETypes = 642;
 

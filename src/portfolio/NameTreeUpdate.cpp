@@ -1,7 +1,7 @@
 // Adding a file to the embedded-files name tree.
 #include "portfolio/NameTreeUpdate.h"
 
-#include "portfolio/Streams.h"
+#include "model/Lookup.h"
 #include "support/Limits.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
@@ -27,17 +27,15 @@ std::string NameTreeUpdate::pair() const { return text(literalString(key_), ' ',
 
 // The text, as changed so far, of the object that a value refers to; null for any other value.
 std::string* NameTreeUpdate::textOf(std::string_view reference) {
-    const CPdfObj* const object = referenced(pdf_, reference);
-    if (object == nullptr || object->content().empty()) return nullptr;
-    return &changed_.try_emplace(object->GetObjNum(), object->content()).first->second;
+    const CPdfObj* const object = objectOf(document_, reference);
+    return object == nullptr || object->content().empty() ? nullptr : &update_.change(*object);
 }
 
 // A missing object is null (ISO 32000-2 7.3.10); one that is there but cannot be read is not.
-bool NameTreeUpdate::isAbsent(std::string_view value) {
-    if (value.empty() || value == "null") return true;
-    const CPdfObj* const object = referenced(pdf_, value);
-    if (object == nullptr || object->content().empty()) return resolved(pdf_, value).empty();
-    return resolved(pdf_, value) == "null";
+bool NameTreeUpdate::isAbsent(std::string_view value) const {
+    const auto [text, holder] = resolve(document_, value);
+    if (!text.empty()) return false;
+    return holder == nullptr || holder->content().empty() || !objectValue(holder->content()).empty();
 }
 
 // Applies an edit to what a key leads to: to the object that is referred to, or to the value in place.
@@ -48,38 +46,29 @@ bool NameTreeUpdate::editValue(std::string& holder, std::string_view key, Edit e
     return setEntry(holder, key, value, EntryLayout::Splice);
 }
 
-bool NameTreeUpdate::run(CPdfObj& catalogue) {
-    std::string& root = changed_.try_emplace(catalogue.GetObjNum(), catalogue.content()).first->second;
-    if (isAbsent(valueOf(root, "/Names"))) {
-        if (!setEntry(root, "/Names", text(addNames(), " 0 R"), EntryLayout::Splice)) return false;
-    } else if (!editValue(root, "/Names", &NameTreeUpdate::editNames)) {
-        return false;
-    }
-    std::erase_if(changed_, [&](const auto& object) {
-        return object.second == pdf_.get_pdf_obj_from_map(object.first)->content();
-    });
-    return true;
+bool NameTreeUpdate::run(const CPdfObj& catalogue) {
+    std::string& root = update_.change(catalogue);
+    if (!isAbsent(valueOf(root, "/Names"))) return editValue(root, "/Names", &NameTreeUpdate::editNames);
+    return setEntry(root, "/Names", text(addNames(), " 0 R"), EntryLayout::Splice);
 }
 
 int NameTreeUpdate::addNames() {
-    const int names = next_++;
-    added_[names] = text(names, " 0 obj\r<<\r/EmbeddedFiles ", names + 1, " 0 R\r>>\rendobj\r");
+    const int names = update_.reserve();
+    update_.write(names, 0, text(names, " 0 obj\r<<\r/EmbeddedFiles ", names + 1, " 0 R\r>>\rendobj\r"));
     addTree();
     return names;
 }
 
 int NameTreeUpdate::addTree() {
-    const int tree = next_++;
-    added_[tree] = text(tree, " 0 obj\r\n<<\r\n/Names [", pair(), "]\r\n>>\r\nendobj\r\n");
+    const int tree = update_.reserve();
+    update_.write(tree, 0, text(tree, " 0 obj\r\n<<\r\n/Names [", pair(), "]\r\n>>\r\nendobj\r\n"));
     return tree;
 }
 
 bool NameTreeUpdate::editNames(std::string& names) {
     const std::string_view tree = valueOf(names, "/EmbeddedFiles");
     if (!isAbsent(tree)) return editValue(names, "/EmbeddedFiles", &NameTreeUpdate::editNode);
-    if (!setEntry(names, "/EmbeddedFiles", text(next_, " 0 R"), EntryLayout::Splice)) return false;
-    addTree();
-    return true;
+    return setEntry(names, "/EmbeddedFiles", text(addTree(), " 0 R"), EntryLayout::Splice);
 }
 
 // The pair goes into the last leaf, so that it is the last one of the whole tree.
@@ -87,10 +76,10 @@ bool NameTreeUpdate::editNode(std::string& node) {
     if (!Dictionary(node) || ++depth_ > limits::kNesting) return false;
     const std::string_view kids = valueOf(node, "/Kids");
     if (isAbsent(kids)) return editLeaf(node);
-    const auto kid = lastKid(resolved(pdf_, kids));
+    const auto kid = lastKid(resolved(document_, kids));
     if (!kid) return false;
     if (kid->empty()) return editLeaf(node);
-    const CPdfObj* const object = referenced(pdf_, *kid);
+    const CPdfObj* const object = objectOf(document_, *kid);
     if (object == nullptr || !kidsSeen_.insert(object->GetObjNum()).second) return false;
     std::string* const leaf = textOf(*kid);
     return leaf != nullptr && leaf != &node && editNode(*leaf) && widenLimits(node);
@@ -117,7 +106,7 @@ bool NameTreeUpdate::insertPair(std::string& holder) {
 bool NameTreeUpdate::widenLimits(std::string& node) {
     const std::string_view value = valueOf(node, "/Limits");
     if (isAbsent(value)) return true;
-    const std::string_view array = resolved(pdf_, value);
+    const std::string_view array = resolved(document_, value);
     Lexer lexer(array);
     if (lexer.next().kind != TokenKind::ArrayOpen) return false;
     const auto least = lexer.nextValue();

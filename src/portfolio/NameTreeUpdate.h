@@ -1,30 +1,23 @@
 // Adding a file to the embedded-files name tree of a document (ISO 32000-2 7.7.4, 7.9.6).
 #pragma once
 
-#include <map>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 
-#include "varnpdf/Pdf.h"
+#include "writer/Update.h"
 
 namespace varnpdf {
 
-/// What changes in a document when a pair is added to its tree. Old objects keep their numbers; new ones are numbered
-/// from `next` on.
+/// Old objects keep their numbers and wait in the update as changed, some of them perhaps without a change; new ones are
+/// written at once.
 class NameTreeUpdate {
 public:
-    NameTreeUpdate(CPdf& pdf, std::string key, int fileSpec, int& next)
-        : pdf_(pdf), key_(std::move(key)), fileSpec_(fileSpec), next_(next) {}
+    NameTreeUpdate(const Document& document, Update& update, std::string key, int fileSpec)
+        : document_(document), update_(update), key_(std::move(key)), fileSpec_(fileSpec) {}
 
-    /// False when the tree is damaged: nothing may be written then.
-    bool run(CPdfObj& catalogue);
-
-    /// New text of old objects, by number.
-    [[nodiscard]] const std::map<int, std::string>& changed() const noexcept { return changed_; }
-    /// Texts of new objects, in the order of their numbers.
-    [[nodiscard]] const std::map<int, std::string>& added() const noexcept { return added_; }
+    /// False when the tree is damaged: the update must not be used then. At most two new objects.
+    bool run(const CPdfObj& catalogue);
 
 private:
     using Edit = bool (NameTreeUpdate::*)(std::string& text);
@@ -36,17 +29,15 @@ private:
     bool editLeaf(std::string& leaf);
     bool insertPair(std::string& holder);
     bool widenLimits(std::string& node);
-    bool isAbsent(std::string_view value);
+    [[nodiscard]] bool isAbsent(std::string_view value) const;
     [[nodiscard]] std::string pair() const;
     int addTree();
     int addNames();
 
-    CPdf& pdf_;
+    const Document& document_;
+    Update& update_;
     std::string key_;  // its bytes
     int fileSpec_;
-    int& next_;
-    std::map<int, std::string> changed_;
-    std::map<int, std::string> added_;
     std::set<int> kidsSeen_;
     int depth_ = 0;
 };

@@ -3,71 +3,68 @@
 
 #include <utility>
 
+#include "model/Lookup.h"
 #include "support/Limits.h"
-#include "support/Text.h"
-#include "syntax/Readers.h"
+#include "support/Loggers.h"
+#include "syntax/Dictionary.h"
 
 namespace varnpdf {
 
-ObjectCopier::ObjectCopier(CPdf& source, CPdf& target, const ClassLogger& logger)
-    : source_(source),
-      target_(target),
-      logger_(logger),
-      dataRoom_(limits::kCopiedBytesPerByte * source.GetContentLen()) {
-    for (int i = 0; i < target.GetListItemCount(); ++i) {
-        const CPdfObjTransferListItem& item = *target.GetListItem(i);
-        numbers_.try_emplace(item.getOldObjNr(), item.getNewObjNr());
-    }
+ObjectCopier::ObjectCopier(const Document& source, NewDocument& target)
+    : source_(source), target_(target), dataRoom_(limits::kCopiedBytesPerByte * source.length) {
+    for (const auto& pair : target.transfers) numbers_.try_emplace(pair->getOldObjNr(), pair->getNewObjNr());
 }
 
 int ObjectCopier::copy(int number) {
-    const auto known = numbers_.find(number);
-    if (known != numbers_.end()) {
-        logDebug(logger_, "Objekt in Transfertabelle gefunden.");
-        return known->second;
+    const Copy copy = begin(number);
+    if (copy.isNew) {
+        enter(number, copy.number);
+        run();
     }
-    const int copy = newNumber(number);
-    if (copy == 0) return 0;
-    enter(number, copy);
-    run();
-    return copy;
+    return copy.number;
 }
 
 std::string ObjectCopier::copyValue(std::string_view value) {
-    Frame frame{-1, {}, Lexer(value)};
-    frame.parts.body = value;
-    frames_.push_back(std::move(frame));
+    frames_.push_back(Frame{0, value, std::nullopt, Lexer(value)});
     run();
     return std::exchange(value_, {});
 }
 
-// Gives an object of the source its number in the target, where it is nothing yet; 0 when there is no such object.
-int ObjectCopier::newNumber(int number) {
-    const CPdfObj* const object = source_.get_pdf_obj_from_map(number);
-    if (object == nullptr || object->content().empty()) return 0;
-    logDebug(logger_, "Objekt NICHT in Transfertabelle gefunden, also NEU erstellen");
-    constexpr std::string_view kNothing = "null";
-    if (target_.CreateObject("", 0, kNothing.data(), static_cast<int>(kNothing.size()), CPdfObj::eContentOther) != 0) {
-        return 0;
-    }
-    const int copy = target_.GetObjNum();
-    numbers_[number] = copy;
-    target_.AddListItem(new CPdfObjTransferListItem(number, copy));
-    logDebug(logger_, "neues Objekt (std) in Transfertabelle ", number, " -> ", copy);
+// The end is logged here unless there is something to copy.
+ObjectCopier::Copy ObjectCopier::begin(int number) {
+    logDebug(loggers::collection, "CopyOldObjToNew START");
+    const auto known = numbers_.find(number);
+    if (known != numbers_.end()) logDebug(loggers::collection, "Objekt in Transfertabelle gefunden.");
+    const Copy copy = known != numbers_.end() ? Copy{known->second} : create(number);
+    if (!copy.isNew) logDebug(loggers::collection, " CopyOldObjToNew ENDE");
     return copy;
 }
 
+ObjectCopier::Copy ObjectCopier::create(int number) {
+    const CPdfObj* const object = source_.objects.find(number);
+    if (object == nullptr || object->content().empty()) return {};
+    logDebug(loggers::collection, "Objekt NICHT in Transfertabelle gefunden, also NEU erstellen");
+    const int copy = createObject(target_, "null", CPdfObj::eContentOther);
+    if (copy == 0) return {};
+    numbers_[number] = copy;
+    target_.transfers.push_back(std::make_unique<CPdfObjTransferListItem>(number, copy));
+    logDebug(loggers::collection, "neues Objekt (std) in Transfertabelle ", number, " -> ", copy);
+    return {copy, true};
+}
+
 void ObjectCopier::enter(int number, int copy) {
-    logDebug(logger_, "CopyOldObjToNew START");
-    ObjectParts parts = partsOf(source_, *source_.get_pdf_obj_from_map(number));
-    const std::size_t dataBytes = parts.data ? parts.data->size() : 0;
+    const CPdfObj& object = *source_.objects.find(number);
+    auto stream = streamOf(source_, object);
+    std::string_view body = stream ? stream->dictionary : objectValue(object.content());
+    const std::size_t dataBytes = stream ? stream->data.size() : 0;
     if (dataBytes > dataRoom_) {
-        logError(logger_, "Streams überlappen sich, Objekt wird nicht kopiert: ", number);
-        parts = {};
+        logError(loggers::collection, "Streams überlappen sich, Objekt wird nicht kopiert: ", number);
+        stream.reset();
+        body = {};
     } else {
         dataRoom_ -= dataBytes;
     }
-    frames_.push_back(Frame{copy - 1, parts, Lexer(parts.body)});
+    frames_.push_back(Frame{copy, body, stream, Lexer(body)});
 }
 
 void ObjectCopier::run() {
@@ -84,22 +81,22 @@ void ObjectCopier::run() {
 void ObjectCopier::finish() {
     const Frame frame = std::move(frames_.back());
     frames_.pop_back();
-    const bool good = !frame.broken && frame.levels.empty() && !frame.parts.body.empty();
+    const bool good = !frame.broken && frame.levels.empty() && !frame.body.empty();
     std::string body = good ? frame.out : "null";
-    if (frame.slot < 0) {
+    if (frame.number == 0) {
         value_ = std::move(body);
         return;
     }
-    std::string content = text(frame.slot + 1, " 0 obj\r\n", body);
-    if (good && frame.parts.data) append(content, "\r\nstream\r\n", *frame.parts.data, "\r\nendstream");
+    std::string content = text(frame.number, " 0 obj\r\n", body);
+    if (good && frame.stream) append(content, "\r\nstream\r\n", frame.stream->data, "\r\nendstream");
     append(content, "\r\nendobj\r\n\r\n");
-    target_.get_pdf_obj_from_map(frame.slot)->setContent(content);
-    logDebug(logger_, " CopyOldObjToNew ENDE");
+    objectAt(target_, frame.number).setContent(content);
+    logDebug(loggers::collection, " CopyOldObjToNew ENDE");
 }
 
 // Goes on until an object is met that has to be copied first, whose number is returned, or to the end (0).
 int ObjectCopier::step(Frame& frame) {
-    const std::string_view body = frame.parts.body;
+    const std::string_view body = frame.body;
     while (!frame.broken) {
         const std::size_t before = frame.lexer.at();
         const Token token = frame.lexer.next();
@@ -142,8 +139,8 @@ void ObjectCopier::valueEnds(Frame& frame) {
 }
 
 void ObjectCopier::open(Frame& frame, bool dictionary) {
-    logDebug(logger_, dictionary ? "Ist ein Dictionary" : "Ist ein Array");
-    if (dictionary) logDebug(logger_, "Enter Recursion DICT");
+    logDebug(loggers::collection, dictionary ? "Ist ein Dictionary" : "Ist ein Array");
+    if (dictionary) logDebug(loggers::collection, "Enter Recursion DICT");
     frame.levels.push_back({dictionary, dictionary});
     if (frame.levels.size() > static_cast<std::size_t>(limits::kNesting)) frame.broken = true;
 }
@@ -153,30 +150,30 @@ void ObjectCopier::close(Frame& frame, bool dictionary) {
         frame.broken = true;
         return;
     }
-    if (dictionary) logDebug(logger_, " Exit Recursion DICT");
+    if (dictionary) logDebug(loggers::collection, " Exit Recursion DICT");
     frame.levels.pop_back();
     valueEnds(frame);
 }
 
 void ObjectCopier::takeKey(Frame& frame, const Token& token) {
-    const std::string_view body = frame.parts.body;
+    const std::string_view body = frame.body;
     const std::string_view key = token.text;
     Level& level = frame.levels.back();
     level.wantsKey = false;
-    logDebug(logger_, level.keys++ == 0 ? " DICT 1. Key gefunden: " : " DICT n. Key gefunden: ", key);
+    logDebug(loggers::collection, level.keys++ == 0 ? " DICT 1. Key gefunden: " : " DICT n. Key gefunden: ", key);
     if (key == "/Parent") {
         if (const auto number = frame.lexer.nextReference()) dropParent(frame, token, *number);
-    } else if (key == "/Length" && frame.levels.size() == 1 && frame.parts.data && !frame.parts.lengthHolds) {
+    } else if (key == "/Length" && frame.levels.size() == 1 && frame.stream && !frame.stream->lengthHolds) {
         if (!frame.lexer.nextValue()) return;
-        append(frame.out, body.substr(frame.copied, token.end() - frame.copied), ' ', frame.parts.data->size());
+        append(frame.out, body.substr(frame.copied, token.end() - frame.copied), ' ', frame.stream->data.size());
         frame.copied = frame.lexer.at();
         level.wantsKey = true;
     }
 }
 
 void ObjectCopier::dropParent(Frame& frame, const Token& key, int number) {
-    logDebug(logger_, "Ist eine Referenz (Parent)");
-    append(frame.out, frame.parts.body.substr(frame.copied, key.begin - frame.copied));
+    logDebug(loggers::collection, "Ist eine Referenz (Parent)");
+    append(frame.out, frame.body.substr(frame.copied, key.begin - frame.copied));
     const auto known = numbers_.find(number);
     if (known != numbers_.end()) append(frame.out, "/Parent ", known->second, " 0 R");
     frame.copied = frame.lexer.at();
@@ -185,54 +182,49 @@ void ObjectCopier::dropParent(Frame& frame, const Token& key, int number) {
 
 // A number or keyword, or a reference: its new number is written, and the number of an object that is still to be
 // copied returned.
-int ObjectCopier::takeReferenceOr(Frame& frame, std::size_t begin) {
-    const std::string_view body = frame.parts.body;
+int ObjectCopier::takeReferenceOr(Frame& frame, std::size_t from) {
+    const std::string_view body = frame.body;
     valueEnds(frame);
     const std::size_t behindWord = frame.lexer.at();
-    frame.lexer.moveTo(begin);
+    frame.lexer.moveTo(from);
     const auto number = frame.lexer.nextReference();
     if (!number) {
         frame.lexer.moveTo(behindWord);
         return 0;
     }
-    logDebug(logger_, "Ist eine Referenz");
-    logDebug(logger_, "Key ist Referenz und kein /Parent");
-    const auto known = numbers_.find(*number);
-    const bool isKnown = known != numbers_.end();
-    const int copy = isKnown ? known->second : newNumber(*number);
-    append(frame.out, body.substr(frame.copied, begin - frame.copied), ' ');
-    if (copy > 0) {
-        append(frame.out, copy, " 0 R");
+    logDebug(loggers::collection, "Ist eine Referenz");
+    logDebug(loggers::collection, "Key ist Referenz und kein /Parent");
+    const Copy copy = begin(*number);
+    append(frame.out, body.substr(frame.copied, from - frame.copied), ' ');
+    if (copy.number > 0) {
+        append(frame.out, copy.number, " 0 R");
     } else {
         append(frame.out, "null");
     }
     frame.copied = frame.lexer.at();
-    return copy > 0 && !isKnown ? *number : 0;
+    return copy.isNew ? *number : 0;
 }
 
-int valueKind(CPdf& source, std::string_view value) {
-    const CPdfObj* const object = referenced(source, value);
-    if (object != nullptr && partsOf(source, *object).data) return static_cast<int>(ObjectKind::Stream);
-    value = resolved(source, value);
-    const Token token = Lexer(value).next();
-    const std::string_view word = token.text;
+ObjectKind valueKind(const Document& source, std::string_view value) {
+    const auto [found, holder] = resolve(source, value);
+    if (holder != nullptr && streamOf(source, *holder)) return ObjectKind::Stream;
+    const Token token = Lexer(found).next();
     switch (token.kind) {
         case TokenKind::DictOpen:
-            return static_cast<int>(ObjectKind::Dictionary);
+            return ObjectKind::Dictionary;
         case TokenKind::ArrayOpen:
-            return static_cast<int>(ObjectKind::Array);
+            return ObjectKind::Array;
         case TokenKind::String:
         case TokenKind::HexString:
-            return static_cast<int>(ObjectKind::String);
+            return ObjectKind::String;
         case TokenKind::Name:
-            return static_cast<int>(ObjectKind::Name);
+            return ObjectKind::Name;
         case TokenKind::Word:
-            if (word == "true" || word == "false") return static_cast<int>(ObjectKind::Boolean);
-            if (word.find_first_not_of(kNumberBytes) == std::string_view::npos)
-                return static_cast<int>(ObjectKind::Number);
-            return static_cast<int>(word == "null" ? ObjectKind::Null : ObjectKind::None);
+            if (token.text == "true" || token.text == "false") return ObjectKind::Boolean;
+            return token.text.find_first_not_of(kNumberBytes) == std::string_view::npos ? ObjectKind::Number
+                                                                                        : ObjectKind::None;
         default:
-            return static_cast<int>(value.empty() ? ObjectKind::Null : ObjectKind::None);
+            return found.empty() ? ObjectKind::Null : ObjectKind::None;
     }
 }
 

@@ -221,6 +221,39 @@ TEST(Collection, CopiesHostileSources) {
     EXPECT_EQ(CPdfCollection().CopyOldObjToNew(2, nullptr, &target), VARNPDF_UPDATE_OBJECT_MISSING);
 }
 
+// Each copy is told from its start to its end, also where it is found to have been made.
+TEST(Collection, TellsEveryCopy) {
+    OpenedPdf source(document().object(2, "<< /A [3 0 R 3 0 R] /Parent 1 0 R >>").object(3, "7").table().bytes());
+    CPdf target;
+    LogCapture log("VarnPDF.CPdfCollection");
+    ASSERT_EQ(CPdfCollection().CopyOldObjToNew(2, &source.pdf, &target), 1);
+    const std::vector<std::string> wanted = {
+        "CopyOldObjToNew START",
+        "Objekt NICHT in Transfertabelle gefunden, also NEU erstellen",
+        "neues Objekt (std) in Transfertabelle 2 -> 1",
+        "Ist ein Dictionary",
+        "Enter Recursion DICT",
+        " DICT 1. Key gefunden: /A",
+        "Ist ein Array",
+        "Ist eine Referenz",
+        "Key ist Referenz und kein /Parent",
+        "CopyOldObjToNew START",
+        "Objekt NICHT in Transfertabelle gefunden, also NEU erstellen",
+        "neues Objekt (std) in Transfertabelle 3 -> 2",
+        " CopyOldObjToNew ENDE",
+        "Ist eine Referenz",
+        "Key ist Referenz und kein /Parent",
+        "CopyOldObjToNew START",
+        "Objekt in Transfertabelle gefunden.",
+        " CopyOldObjToNew ENDE",
+        " DICT n. Key gefunden: /Parent",
+        "Ist eine Referenz (Parent)",
+        " Exit Recursion DICT",
+        " CopyOldObjToNew ENDE",
+    };
+    EXPECT_EQ(log.messages(), wanted);
+}
+
 // Each stream's /Length leads to the end of the last one.
 TEST(Collection, OverlappingStreamsAreNotMultiplied) {
     constexpr int kStreams = 100;

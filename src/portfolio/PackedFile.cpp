@@ -1,5 +1,5 @@
 // A file read and packed for embedding.
-#include "portfolio/EmbeddedFile.h"
+#include "portfolio/PackedFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
