@@ -42,7 +42,7 @@ void decodeHexString(std::string& value) {
 }
 
 // A value with the UTF-16 byte order mark is read, from its fourth byte on, as 32-bit characters up to a zero one, and
-// each is narrowed to its low byte. Hosts have always been given such values this way.
+// each is narrowed to its low byte. The interface fixes it.
 void narrowWideText(std::string& value) {
     constexpr std::size_t kWide = 4;
     if (!value.starts_with("\xFE\xFF")) return;

@@ -27,7 +27,8 @@ struct ObjectList {
 
 /// What a page or a node above it says itself about the attributes that pages inherit (ISO 32000-2 7.7.3.4).
 struct PageNode {
-    std::optional<std::array<int, 4>> box;
+    std::optional<std::array<int, 4>> box;             ///< /MediaBox, fractions dropped
+    std::optional<std::array<double, 4>> media, crop;  ///< /MediaBox and /CropBox
     std::optional<int> rotation;
     const CPdfObj* parent = nullptr;
 };

@@ -3,11 +3,15 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "model/DictionaryEntry.h"
+#include "model/Lookup.h"
 #include "support/Limits.h"
 #include "support/Loggers.h"
+#include "syntax/Dictionary.h"
 #include "syntax/Reference.h"
+#include "syntax/Values.h"
 
 namespace varnpdf {
 namespace {
@@ -69,6 +73,20 @@ std::string_view kidsOf(const Document& document, const CPdfObj& node) {
     return array == nullptr ? std::string_view{} : withoutBrackets(array->content());
 }
 
+std::optional<std::array<double, 4>> boxOf(const Document& document, std::string_view value) {
+    const auto items = itemsOf(resolved(document, value));
+    if (!items || items->size() != 4) return std::nullopt;
+    std::array<double, 4> box{};
+    for (std::size_t i = 0; i < box.size(); ++i) {
+        const auto number = realOf(document, (*items)[i]);
+        if (!number) return std::nullopt;
+        box[i] = *number;
+    }
+    if (box[0] > box[2]) std::swap(box[0], box[2]);
+    if (box[1] > box[3]) std::swap(box[1], box[3]);
+    return box;
+}
+
 const PageNode& pageNode(Document& document, const CPdfObj& obj) {
     const auto [it, added] = document.caches.pageNodes.try_emplace(&obj);
     if (!added) return it->second;
@@ -76,7 +94,9 @@ const PageNode& pageNode(Document& document, const CPdfObj& obj) {
     if (const auto value = lookUp(text, "/MediaBox")) {
         it->second.box.emplace();
         readBox(arrayText(*value, referencedObject(document, *value)), it->second.box->data());
+        it->second.media = boxOf(document, *value);
     }
+    it->second.crop = boxOf(document, lookUpValue(text, "/CropBox"));
     it->second.rotation = lookUpInt(text, "/Rotate");
     it->second.parent = referencedObject(document, lookUpValue(text, "/Parent"));
     return it->second;
@@ -148,6 +168,43 @@ PageAttributes pageAttributes(Document& document, const CPdfObj& page) {
     }
     const int degrees = turned.value_or(0);
     return {box.value_or(std::array<int, 4>{}), degrees < 0 ? degrees + 360 : degrees};
+}
+
+PageBoxes pageBoxes(Document& document, const CPdfObj& page) {
+    std::optional<std::array<double, 4>> media;
+    std::optional<std::array<double, 4>> crop;
+    const CPdfObj* obj = &page;
+    for (int i = 0; obj != nullptr && i < limits::kParents && !(media && crop); ++i) {
+        const PageNode& node = pageNode(document, *obj);
+        if (!media) media = node.media;
+        if (!crop) crop = node.crop;
+        obj = node.parent;
+    }
+    const auto whole = media.value_or(std::array<double, 4>{});
+    return {whole, crop.value_or(whole)};
+}
+
+const std::vector<CPdfObj*>& allPages(Document& document) {
+    static const std::vector<CPdfObj*> none;
+    const CPdfObj* const catalogue = document.newest ? referencedObject(document, document.newest->root()) : nullptr;
+    CPdfObj* const root = catalogue == nullptr ? nullptr : pagesRoot(document, *catalogue);
+    return root == nullptr ? none : pagesBelow(document, *root);
+}
+
+std::unordered_map<int, int> annotationPages(Document& document) {
+    std::unordered_map<int, int> pages;
+    std::unordered_set<const CPdfObj*> read;
+    int index = -1;
+    for (const CPdfObj* const page : allPages(document)) {
+        ++index;
+        if (!read.insert(page).second) continue;
+        const Resolved array = resolve(document, valueOf(page->content(), "/Annots"));
+        if (array.holder != nullptr && !read.insert(array.holder).second) continue;
+        for (const std::string_view item : itemsOf(array.value).value_or(std::vector<std::string_view>{})) {
+            if (const auto number = referenceOf(item)) pages.emplace(*number, index);
+        }
+    }
+    return pages;
 }
 
 int pageIndexOf(Document& document, int number) {

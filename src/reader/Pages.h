@@ -3,6 +3,7 @@
 
 #include <array>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "model/Document.h"
@@ -27,6 +28,20 @@ struct PageAttributes {
 };
 /// What the page says itself or inherits.
 PageAttributes pageAttributes(Document& document, const CPdfObj& page);
+
+/// Lower left corner first, fractions kept; four zeros where there is no box.
+struct PageBoxes {
+    std::array<double, 4> media{};
+    std::array<double, 4> crop{};  ///< the media box where none is said
+};
+PageBoxes pageBoxes(Document& document, const CPdfObj& page);
+
+/// The pages of the document in order; none without a page tree.
+const std::vector<CPdfObj*>& allPages(Document& document);
+
+/// Index of the page (from 0) that lists an annotation in its /Annots, by the annotation's object number: /P of the
+/// annotation is optional and often wrong.
+std::unordered_map<int, int> annotationPages(Document& document);
 
 /// Index of the page with an object number among as many pages as /Count admits, -1 without one.
 int pageIndexOf(Document& document, int number);

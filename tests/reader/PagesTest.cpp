@@ -8,6 +8,7 @@
 #include "support/LogCapture.h"
 #include "support/OpenedPdf.h"
 #include "support/PdfBuilder.h"
+#include "varnpdf/PdfPages.h"
 
 namespace {
 
@@ -38,7 +39,7 @@ std::string twoLevels() {
         .object(7, "<< /Type /Page /Parent 2 0 R /MediaBox [ 0 0 595.276 841.89 ] /Rotate 180 >>")
         .object(9, "[4 0 R 5 0 R 7 0 R]")
         .object(10, "<< /Type /Page /Parent 4 0 R >>")
-        .object(11, "<< /Type /Page /Parent 4 0 R /MediaBox [0 792 612 0] /Rotate 0 >>")
+        .object(11, "<< /Type /Page /Parent 4 0 R /MediaBox [0 792 612 0] /CropBox [3 2 1.5 4] /Rotate 0 >>")
         .object(12, "[-10.7 0 100.9 50]")
         .table()
         .bytes();
@@ -133,6 +134,55 @@ TEST(Pages, HostileTrees) {
         int generation = 0;
         EXPECT_EQ(opened.pdf.GetPageNoFromObjRef(&number, &generation), -1);
     }
+}
+
+TEST(Pages, BoxesWithFractionsAndPlaces) {
+    OpenedPdf opened(twoLevels());
+    const std::vector<PdfPage> pages = CPdfPages::All(opened.pdf);
+    const struct {
+        int object;
+        std::vector<double> media, crop;
+        int rotation;
+    } rows[] = {{10, {0, 0, 200, 300}, {0, 0, 200, 300}, 270},
+                {11, {0, 0, 612, 792}, {1.5, 2, 3, 4}, 0},
+                {5, {-10.7, 0, 100.9, 50}, {-10.7, 0, 100.9, 50}, 0},
+                {7, {0, 0, 595.276, 841.89}, {0, 0, 595.276, 841.89}, 180}};
+    ASSERT_EQ(pages.size(), std::size(rows));
+    for (std::size_t i = 0; i < pages.size(); ++i) {
+        EXPECT_EQ(pages[i].object, rows[i].object);
+        EXPECT_EQ(std::vector(pages[i].mediaBox, pages[i].mediaBox + 4), rows[i].media) << i;
+        EXPECT_EQ(std::vector(pages[i].cropBox, pages[i].cropBox + 4), rows[i].crop) << i;
+        EXPECT_EQ(pages[i].rotation, rows[i].rotation) << i;
+    }
+    OpenedPdf none(smallDocument().object(1, "<< /Type /Catalog >>").table().bytes());
+    EXPECT_TRUE(CPdfPages::All(none.pdf).empty());
+}
+
+// On a box that begins at 100 20 a place is the same one as on a box at 0 0, moved.
+TEST(Pages, PlacesOnAnyBox) {
+    const struct {
+        int mode, rotation;
+        std::vector<double> rect;  // of 10 x 20 points at 30 40; the page has 200 x 300
+        std::vector<int> origin;   // mode and place from 0 0
+    } rows[] = {
+        {1, 0, {130, 60, 140, 80}, {1, 130, 60}},     {2, 0, {130, 280, 140, 300}, {2, 130, 20}},
+        {3, 0, {270, 60, 280, 80}, {3, -70, 60}},     {4, 0, {270, 280, 280, 300}, {4, -70, 20}},
+        {0, 0, {160, 140, 170, 160}, {1, 160, 140}},  {1, 90, {240, 50, 260, 60}, {1, 50, -60}},
+        {1, 180, {260, 260, 270, 280}, {1, -70, 20}}, {1, 270, {140, 280, 160, 290}, {1, 10, 140}},
+    };
+    for (const auto& row : rows) {
+        PdfPage page;
+        std::copy_n(std::initializer_list<double>{100, 20, 300, 320}.begin(), 4, page.mediaBox);
+        page.rotation = row.rotation;
+        std::vector<double> rect(4);
+        EXPECT_TRUE(CPdfPages::Place({row.mode, 30, 40}, 10, 20, page, rect.data()));
+        EXPECT_EQ(rect, row.rect) << row.mode << ' ' << row.rotation;
+        const PdfPosition moved = CPdfPages::FromOrigin({row.mode, 30, 40}, page);
+        EXPECT_EQ((std::vector{moved.mode, moved.x, moved.y}), row.origin) << row.mode << ' ' << row.rotation;
+    }
+    PdfPage page;
+    double rect[4];
+    EXPECT_FALSE(CPdfPages::Place({1, 0, 0}, 10, 20, page, rect));
 }
 
 }  // namespace
