@@ -9,7 +9,8 @@
 
 /// Validation material for one signature. Several records may name the same signature.
 struct pdf_dss_struct {
-    int signature_number;     ///< index of the signature from 0; -1: the last one
+    int signature_number;  ///< index of the signature from 0 as `CPdf::PdfGetNumSignatures` counts; behind these
+                           ///< come the others of `CPdfSignatureList`. -1: the last one counted, else the last of all
     std::string certificate;  ///< a DER certificate in Base64, "" for none; line breaks do not matter
     std::string crl;          ///< a DER certificate revocation list likewise
     std::string ocsp;         ///< a DER OCSP response likewise
@@ -23,7 +24,8 @@ public:
     c_pdf_dss& operator=(const c_pdf_dss&);
     virtual ~c_pdf_dss();
 
-    /// Writes the input with an appended update that holds the material. Every signature gets an entry in /VRI. A store
+    /// Writes the input with an appended update that holds the material. Every signature that a viewer shows gets an entry
+    /// in /VRI. A store
     /// that the document has already is extended: its references and entries stay. The material is not examined, and a
     /// record whose number is no signature's adds nothing; both are up to the caller.
     /// @param input,output  paths, which may be the same; the output appears complete or not at all

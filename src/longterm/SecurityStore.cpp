@@ -2,11 +2,12 @@
 #include "longterm/SecurityStore.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <map>
 
+#include "inspection/ShownSignatures.h"
 #include "inspection/Signatures.h"
+#include "longterm/StoreTexts.h"
 #include "reader/Open.h"
 #include "support/Loggers.h"
 #include "syntax/CharClass.h"
@@ -17,32 +18,8 @@
 namespace varnpdf {
 namespace {
 
-/// The key of a signature in /VRI: the SHA-1 of its value as upper-case digits (ISO 32000-2 table 262).
-std::string keyOf(std::string_view contents) {
-    constexpr std::size_t kPiece = std::size_t{1} << 30U;  // AddData counts in int
-    constexpr std::string_view kUpper = "0123456789ABCDEF";
-    CSHA sha(0);
-    for (; !contents.empty(); contents.remove_prefix(std::min(kPiece, contents.size()))) {
-        sha.AddData(contents.data(), static_cast<int>(std::min(kPiece, contents.size())));
-    }
-    std::array<char, 20> digest{};
-    sha.FinalDigest(digest.data());
-    std::string key;
-    for (const char byte : digest) {
-        key.push_back(kUpper[static_cast<unsigned char>(byte) >> 4U]);
-        key.push_back(kUpper[static_cast<unsigned char>(byte) & 0xfU]);
-    }
-    return key;
-}
-
 /// The value of a signature: every byte of /Contents, the padding as well.
 std::optional<std::string> contentsOf(std::string_view signature) { return stringOf(valueOf(signature, "/Contents")); }
-
-std::string upper(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'a' && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return text;
-}
 
 // An unknown line end must still end the comment line of the entries.
 std::string_view lineEndOrCrLf(const Document& document) {
@@ -94,25 +71,38 @@ SecurityStore::Resolved SecurityStore::resolve(std::string_view value) const {
 
 void SecurityStore::readSignatures() {
     logDebug(loggers::store, "Gefundene Signaturen und deren DigestsHash:");
-    std::map<std::string, std::size_t> places;
-    std::map<const CPdfObj*, std::optional<std::size_t>> known;  // fields may share a dictionary
     for (CPdfObj* const field : signatureFields(document_)) {
-        const Resolved dictionary = resolve(valueOf(field->content(), "/V"));
-        const auto seen = known.find(dictionary.holder);
-        std::optional<std::size_t> place;
-        if (seen != known.end()) {
-            place = seen->second;
-        } else if (const auto contents = contentsOf(dictionary.text)) {
-            std::string key = keyOf(*contents);
-            place = places.try_emplace(key, keyed_.size()).first->second;
-            if (*place == keyed_.size()) keyed_.push_back({std::move(key), {}});
-            logDebug(loggers::store, signatures_.size(), ": ", keyed_[*place].key);
+        addSignature(resolve(valueOf(field->content(), "/V")).text);
+    }
+    lastSignature_ = signatures_.size();
+    // Those that viewers show beside them, behind the ones that hosts count.
+    Values values(document_);
+    std::vector<std::string_view> further;
+    for (const SignatureField& field : shownSignatures(document_, values)) {
+        const auto place = static_cast<std::size_t>(field.index) - signatures_.size();
+        if (field.index < static_cast<int>(signatures_.size())) continue;
+        if (place >= further.size()) further.resize(place + 1);
+        further[place] = field.signature.text;
+    }
+    for (const std::string_view dictionary : further) addSignature(dictionary);
+    if (lastSignature_ == 0) lastSignature_ = signatures_.size();
+    lastSignature_ -= std::min<std::size_t>(lastSignature_, 1);
+}
+
+void SecurityStore::addSignature(std::string_view dictionary) {
+    // Fields may share a dictionary.
+    const auto [known, isNew] = places_.try_emplace(dictionary.data());
+    if (isNew || dictionary.empty()) {
+        if (const auto contents = contentsOf(dictionary)) {
+            std::string key = storeKey(*contents);
+            known->second = byKey_.try_emplace(key, keyed_.size()).first->second;
+            if (*known->second == keyed_.size()) keyed_.push_back({std::move(key), {}});
+            logDebug(loggers::store, signatures_.size(), ": ", keyed_[*known->second].key);
         } else {
             logError(loggers::store, "Signatur Nr ", signatures_.size(), " hat keinen Wert");
         }
-        if (dictionary.holder != nullptr) known[dictionary.holder] = place;
-        signatures_.push_back(place);
     }
+    signatures_.push_back(known->second);
 }
 
 void SecurityStore::readStore() {
@@ -153,7 +143,7 @@ void SecurityStore::readOldEntries() {
             same->second->same = &pair;
             continue;
         }
-        const auto similar = byKey.find(upper(name));
+        const auto similar = byKey.find(upperDigits(name));
         if (similar != byKey.end()) similar->second->similar = &pair;
     }
     for (std::size_t i = 0; i < signatures_.size(); ++i) {
@@ -164,7 +154,7 @@ void SecurityStore::readOldEntries() {
 }
 
 void SecurityStore::addMaterial() {
-    const int last = std::max(static_cast<int>(signatures_.size()) - 1, 0);
+    const int last = static_cast<int>(lastSignature_);
     std::vector<std::vector<const pdf_dss_struct*>> bySignature(signatures_.size());
     for (const pdf_dss_struct& record : records_) {
         const int index = record.signature_number == -1 ? last : record.signature_number;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -45,6 +46,7 @@ private:
 
     int openTrailer();
     void readSignatures();
+    void addSignature(std::string_view dictionary);
     void readStore();
     void readOldEntries();
     void addMaterial();
@@ -69,8 +71,11 @@ private:
     Update update_;
     CPdfObj* catalogue_ = nullptr;
     Dictionary catalogueEntries_;
-    std::vector<std::optional<std::size_t>> signatures_;  // by index of the signature: its place in keyed_
-    std::vector<Signature> keyed_;                        // equal values share a key
+    std::vector<std::optional<std::size_t>> signatures_;        // by index of the signature: its place in keyed_
+    std::map<const char*, std::optional<std::size_t>> places_;  // in keyed_, by signature dictionary
+    std::map<std::string, std::size_t> byKey_;
+    std::size_t lastSignature_ = 0;
+    std::vector<Signature> keyed_;  // equal values share a key
     Numbers all_;
     CPdfObj* storeObject_ = nullptr;  // null: a new one is made
     Dictionary oldStore_;

@@ -11,6 +11,7 @@
 #include "support/PdfBuilder.h"
 #include "support/Text.h"
 #include "varnpdf/PdfDSS.h"
+#include "varnpdf/PdfStore.h"
 #include "varnpdf/result.h"
 
 namespace {
@@ -287,6 +288,53 @@ TEST(SecurityStore, ManySignaturesAndNone) {
     EXPECT_NE(file.find("/" + kKey2 + " << /OCSP [] /CRL [] /Cert [304 0 R]>>"), std::string::npos);
     const std::string unsignedFile = stored(smallDocument().table().bytes(), {{-1, "AQID", "", ""}});
     EXPECT_EQ(body(unsignedFile, 5), "<< \n   /VRI 4 0 R\n   /OCSPs []\n   /CRLs []\n   /Certs []\n>>");
+}
+
+// Signatures that only a viewer finds have an entry too, and numbers behind those that are counted.
+TEST(SecurityStore, SignaturesOfFieldsWhoseWidgetsStandApart) {
+    const std::string apart = "<< /FT /Sig /T (apart) /V 31 0 R /Kids [32 0 R] >>";
+    struct Row {
+        std::vector<std::string> counted;
+        int record;
+        std::string entries;
+    };
+    for (const Row& row :
+         {Row{{}, -1, "/" + kKey2 + " << /OCSP [] /CRL [] /Cert [33 0 R]>>\n>>"},
+          Row{{"<01>"}, -1, "/" + kKey1 + " << /OCSP [] /CRL [] /Cert [33 0 R]>>\n/" + kKey2 + kEmptyEntry + "\n>>"},
+          Row{{"<01>"}, 1, "/" + kKey1 + kEmptyEntry + "\n/" + kKey2 + " << /OCSP [] /CRL [] /Cert [33 0 R]>>\n>>"}}) {
+        PdfBuilder builder = signedDocument(row.counted, "/AcroForm << /Fields [30 0 R] >>");
+        builder.object(30, apart).signature(31, "<0200>").object(32, "<< /Subtype /Widget /Parent 30 0 R >>");
+        const std::string file = stored(builder.table().bytes(), {{row.record, "AQID", "", ""}});
+        EXPECT_NE(file.find("% Eintrag neuer DSS \n" + row.entries), std::string::npos) << file;
+    }
+}
+
+TEST(SecurityStore, ReadByHosts) {
+    PdfBuilder builder = signedDocument({"<30820000>", "<01>"}, "/DSS 20 0 R");
+    builder.object(
+        20,
+        "<< /Certs [21 0 R 99 0 R 21 0 R] /CRLs 25 0 R /VRI << /" + kKey1 +
+            " << /Cert [21 0 R] /TU (D:2026) >> /bfbd5a76349bbd9260a3b1975ed31433060fa4e8 24 0 R /X#41 24 0 R >> >>");
+    builder.stream(21, "", "plain").stream(22, "", "packed", {.deflate = true}).stream(23, "/Filter /Odd", "x");
+    builder.object(24, "<< /OCSP [22 0 R] >>").object(25, "[22 0 R 23 0 R]");
+    OpenedPdf opened(builder.table().bytes());
+    CPdfStore store(opened.pdf);
+    ASSERT_TRUE(store.IsThere());
+    EXPECT_EQ(store.GetObjNum(), 20);
+    EXPECT_EQ(store.GetMaterial().certificates, (std::vector{21, -1, 21}));
+    EXPECT_EQ(store.GetMaterial().crls, (std::vector{22, 23}));
+    EXPECT_TRUE(store.GetMaterial().ocsps.empty());
+    std::string entries;
+    for (const PdfStoreEntry& entry : store.GetEntries()) {
+        varnpdf::append(entries, entry.key.substr(0, 4), ' ', entry.signature, ' ', entry.time, ' ',
+                        entry.material->certificates.size(), ' ', entry.material->ocsps.size(), '\n');
+    }
+    EXPECT_EQ(entries, "BF8B 1 D:2026 1 0\nbfbd 0  0 1\nXA -1  0 1\n");
+    EXPECT_EQ(store.GetBytes(21), "plain");
+    EXPECT_EQ(store.GetBytes(22), "packed");
+    for (const int none : {23, 24, 99, -1}) EXPECT_EQ(store.GetBytes(none), std::nullopt) << none;
+    OpenedPdf without(signedDocument({"<01>"}, "/DSS 7").table().bytes());
+    EXPECT_FALSE(CPdfStore(without.pdf).IsThere());
 }
 
 // A number that is in use would replace its object; a /Size that is too small does not tell.
