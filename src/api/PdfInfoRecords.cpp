@@ -54,7 +54,7 @@ constexpr std::array<TagLog, 14> kTagLogs = {{{"", ""},
                                               {"Type\n", "Tag 11 (type) len:"},
                                               {"", "Tag 12 (R) len:"},
                                               {"contactinfo\n", "Tag 13 (contactinfo) len:"}}};
-enum Tag : int { kName = 4, kCert = 10 };
+enum Tag : int { kName = 4, kContents = 8, kCert = 10 };
 
 using Values = std::array<std::string, kTagLogs.size()>;
 
@@ -112,6 +112,8 @@ Values readValues(CPdf& pdf, int index, const ClassLogger& logger) {
         // What is not there is empty; what could not be read must not be kept as empty.
         if (reader.read(index, tag, value) == VARNPDF_PDF_MEMORY_ALLOCATION) throw std::bad_alloc();
         logDebug(logger, log.line, value.size());
+        // UTF-16 comes with the NUL that ends it for hosts that take a char*.
+        if (tag != kContents && tag != kCert && value.ends_with('\0')) value.pop_back();
         if (tag == kName) std::erase(value, '\\');
         if (tag == kCert) value = toHex(value);
     }

@@ -16,6 +16,7 @@ using namespace varnpdf;
 
 namespace {
 
+constexpr int kContentsTag = 8;
 constexpr int kCertTag = 10;
 
 // Counts the signatures and refills the register.
@@ -37,7 +38,9 @@ const CPdfObj* counted(PdfState& state, int index) {
 
 }  // namespace
 
-int CPdf::PdfGetNumSignatures() { return count(*state_); }
+int CPdf::PdfGetNumSignatures() {
+    return guarded([this] { return count(*state_); });
+}
 
 CPdfObj* CPdf::GetPdfObjBySigIndex(int index) {
     if (!state_->signaturesCounted) count(*state_);
@@ -74,14 +77,14 @@ int CPdf::GetSignatureField(int index, int tag, char* buffer, int* length) {
         }
         if (buffer != nullptr) std::memcpy(buffer, value.c_str(), value.size() + 1);
         if (length != nullptr) *length = static_cast<int>(value.size());
-        logDebug(loggers::pdf, " value: |", value, "|");
+        if (tag != kContentsTag && tag != kCertTag) logDebug(loggers::pdf, " value: |", value, "|");
         return VARNPDF_OK;
     });
 }
 
 int CPdf::GetSignatureBlob(int index, unsigned char* buffer, unsigned long* length) {
     return guarded([&]() -> int {
-        if (PdfGetNumSignatures() == 0) return VARNPDF_NO_SIGNATURE;
+        if (count(*state_) == 0) return VARNPDF_NO_SIGNATURE;
         ByteRange range;
         if (const int code = readByteRange(state_->document, counted(*state_, index), range); code != VARNPDF_OK)
             return code;

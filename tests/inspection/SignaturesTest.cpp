@@ -337,6 +337,18 @@ TEST(Signatures, LogArrivesIntactInTheCLocale) {
     }
 }
 
+TEST(Signatures, ValuesAreLoggedButForTheLongOnes) {
+    OpenedPdf opened(withDictionary("<< /Type /Sig /Reason (r) /Contents <30> /Cert <30> >>"));
+    const LogCapture log("VarnPDF.CPdf");
+    std::vector<char> buffer(opened.pdf.GetContentLen() + 1);
+    for (const int tag : {8, 10, 1}) opened.pdf.GetSignatureField(0, tag, buffer.data(), nullptr);
+    std::vector<std::string> values;
+    for (const std::string& line : log.messages()) {
+        if (line.starts_with(" value: |")) values.push_back(line);
+    }
+    EXPECT_EQ(values, std::vector<std::string>{" value: |r|"});
+}
+
 TEST(Signatures, StringFindLower) {
     EXPECT_EQ(stringfind_lower("Hello World", "WORLD"), 6);
     EXPECT_EQ(stringfind_lower("Hello", "x"), -1);
