@@ -59,7 +59,7 @@ std::optional<std::vector<pdf_dss_struct>> records(const Options& options) {
 bool signatureFits(const Options& options) {
     CPdf pdf;
     if (cli::openDocument(pdf, options.file) != 0) return false;
-    const int count = pdf.PdfGetNumSignatures();
+    const int count = CPdfSignatureList(pdf).GetSignatureNum();
     if (count == 0) {
         cli::complain(options.file, VARNPDF_NO_SIGNATURE);
         return false;

@@ -7,6 +7,7 @@
 #include "command.h"
 #include "document.h"
 #include "output.h"
+#include "signatures.h"
 
 namespace {
 
@@ -34,20 +35,53 @@ int fetch(CPdf& pdf, const Options& options, unsigned char* buffer, unsigned lon
     return pdf.GetSignaturePKCS1Cert(options.signature, options.certificate, buffer, length);
 }
 
+int fetchRegistered(CPdf& pdf, const Options& options, std::string& bytes) {
+    unsigned long length = 0;
+    const int code = fetch(pdf, options, nullptr, &length);
+    if (code != 0) return code;
+    bytes.resize(length);
+    return fetch(pdf, options, reinterpret_cast<unsigned char*>(bytes.data()), &length);
+}
+
+int fetchFurther(CPdf& pdf, const Options& options, const PdfSignature& signature, std::string& bytes) {
+    constexpr char kOctetString = 0x04;
+    if (options.pkcs7) {
+        bytes = signature.value;
+        return bytes.empty() ? VARNPDF_PKCS7_UNREADABLE : VARNPDF_OK;
+    }
+    if (options.pkcs1) {
+        bytes = signature.value;
+        return bytes.starts_with(kOctetString) ? VARNPDF_OK : VARNPDF_PKCS1_UNREADABLE;
+    }
+    if (options.signedBytes) {
+        if (signature.coveredBytes == 0) return VARNPDF_BYTE_RANGE_UNUSABLE;
+        const std::string_view all(reinterpret_cast<const char*>(pdf.GetContent()), signature.coveredBytes);
+        bytes = all.substr(0, static_cast<std::size_t>(signature.byteRange[1]));
+        bytes += all.substr(static_cast<std::size_t>(signature.byteRange[2]));
+        return VARNPDF_OK;
+    }
+    const auto wanted = static_cast<std::size_t>(options.certificate);
+    if (wanted >= signature.certificates.size()) return VARNPDF_CERTIFICATE_MISSING;
+    bytes = signature.certificates[wanted];
+    return VARNPDF_OK;
+}
+
 /// The wanted part, or nothing after a complaint.
 std::optional<std::string> part(CPdf& pdf, const Options& options) {
-    const int count = pdf.PdfGetNumSignatures();
+    const CPdfSignatureList list(pdf);
+    const int count = list.GetSignatureNum();
     if (count > 0 && options.signature >= count) {
         cli::complain(options.file, "there is no signature " + std::to_string(options.signature) +
                                         "; the last one is " + std::to_string(count - 1));
         return std::nullopt;
     }
-    unsigned long length = 0;
     std::string bytes;
-    int code = count == 0 ? VARNPDF_NO_SIGNATURE : fetch(pdf, options, nullptr, &length);
-    if (code == 0) {
-        bytes.resize(length);
-        code = fetch(pdf, options, reinterpret_cast<unsigned char*>(bytes.data()), &length);
+    int code = count == 0 ? VARNPDF_NO_SIGNATURE : VARNPDF_NO_SIGNATURE_VALUE;
+    const PdfSignatureField* const field = list.GetSignature(options.signature);
+    if (cli::isRegistered(pdf, options.signature)) {
+        code = fetchRegistered(pdf, options, bytes);
+    } else if (field != nullptr && field->signature != nullptr) {
+        code = fetchFurther(pdf, options, *field->signature, bytes);
     }
     if (code == 0) return bytes;
     cli::complain(options.file, code);

@@ -23,7 +23,6 @@ constexpr const char* kFooter = R"(Examples:
   varnpdf info --json *.pdf > facts.jsonl     one object per file and line
 
 "index" of a signature is the number that "varnpdf extract --signature" takes.
-Only 100 signatures can be looked into; further ones are counted, their values stay empty.
 A file that cannot be opened is reported on standard error; with --json its object says "code" and "error".)";
 
 struct Options {
@@ -58,40 +57,30 @@ const char* crossReference(const CPdfTrailer& newest) {
     return newest.GetXRefStmAddr() > 0 ? "hybrid" : "table";
 }
 
-/// A page without /MediaBox is given four zeros.
-bool hasArea(const int (&box)[4]) {
-    return std::any_of(std::begin(box), std::end(box), [](int side) { return side != 0; });
-}
-
 Json pages(CPdf& pdf) {
     Json out = Json::array();
-    CPdfObj* catalogue = cli::referenced(pdf, pdf.GetLastTrailer()->root());
-    CPdfObj* root = catalogue != nullptr ? cli::referenced(pdf, *catalogue, "/Pages") : nullptr;
-    if (root == nullptr) return out;
-    for (int i = 0;; ++i) {
-        int box[4] = {};
-        int rotation = 0;
-        const CPdfObj* page = pdf.GetPdfPageObject(root, i, box, &rotation);
-        if (page == nullptr) return out;
-        out.push_back({{"number", i + 1},
-                       {"object", page->GetObjNum()},
-                       {"box", hasArea(box) ? Json(box) : Json(nullptr)},
-                       {"rotation", rotation}});
+    for (const PdfPage& page : CPdfPages::All(pdf)) {
+        Json box = nullptr;
+        if (std::ranges::any_of(page.mediaBox, [](double side) { return side != 0; })) {
+            for (const double side : page.mediaBox) box.push_back(static_cast<long long>(side));
+        }
+        out.push_back({{"number", out.size() + 1}, {"object", page.object}, {"box", box}, {"rotation", page.rotation}});
     }
+    return out;
 }
 
 /// What can be said of a document that opened.
 void addContent(CPdf& pdf, Json& out) {
     out["sections"] = pdf.GetTrailerCount() + 1;
-    int objects = 0;
-    cli::forEachObject(pdf, [&](const CPdfObj& obj) { objects += obj.GetContentLen() > 0 ? 1 : 0; });
-    out["objects"] = objects;
+    const std::vector<CPdfObj*> objects = CPdfObjects::All(pdf);
+    out["objects"] = std::ranges::count_if(objects, [](const CPdfObj* obj) { return obj->GetContentLen() > 0; });
     out["pages"] = pages(pdf);
     out["page_count"] = out["pages"].size();
     out["locked"] = pdf.get_lockstate() == 1;
     out["security_store"] = cli::securityStore(pdf);
-    out["fields"] = cli::signatureFields(pdf);
-    out["signatures"] = cli::signatures(pdf);
+    const CPdfSignatureList signatures(pdf);
+    out["fields"] = cli::signatureFields(signatures);
+    out["signatures"] = cli::signatures(pdf, signatures);
 }
 
 Json describe(CPdf& pdf, const std::string& file, int code) {
@@ -164,7 +153,7 @@ void printPages(const Json& all) {
 void printSignature(const Json& signature) {
     cli::put("  signature " + text(signature["index"]) + '\n');
     if (signature["pkcs7_code"].is_null()) {
-        cli::put("    beyond the 100 signatures that can be looked into\n");
+        cli::put("    its field cannot be read\n");
         return;
     }
     constexpr const char* kShown[][2] = {
@@ -222,17 +211,11 @@ void printForPeople(const Json& facts) {
     for (const char* key : {"linearized", "encrypted", "locked"}) line(2, key, text(facts[key]));
     printPages(facts["pages"]);
     line(2, "signature fields", std::to_string(facts["fields"].size()));
-    std::size_t filled = 0;
     for (const Json& field : facts["fields"]) {
-        const bool isSigned = field["signed"].get<bool>();
-        filled += isSigned ? 1 : 0;
-        line(4, isSigned ? "signed" : "empty", text(field["name"]));
+        line(4, field["signed"].get<bool>() ? "signed" : "empty", text(field["name"]));
     }
     for (const Json& signature : facts["signatures"]) printSignature(signature);
     if (!facts["security_store"].is_null()) printStore(facts["security_store"]);
-    if (filled > facts["signatures"].size()) {
-        cli::put("  some signed fields are not numbered: they are no annotations of type /Annot themselves\n");
-    }
 }
 
 int run(const Options& options) {

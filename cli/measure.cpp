@@ -91,40 +91,23 @@ bool takePosition(const std::string& text, const std::string& corner, cli::Place
     if (!pair || (*pair)[0].percent != (*pair)[1].percent) {
         return wrong("--position", "this is no place such as 30,40 or 10mm,20mm or 5%,10%: " + text);
     }
-    placement.x = rounded((*pair)[0]);
-    placement.y = rounded((*pair)[1]);
+    placement.position.x = rounded((*pair)[0]);
+    placement.position.y = rounded((*pair)[1]);
     const bool right = corner.ends_with("right");
     const bool upper = corner.starts_with("upper");
     if ((*pair)[0].percent) {
-        placement.mode = 0;
+        placement.position.mode = 0;
         if (right || upper) return wrong("--position", "percentages are measured from the lower left corner only");
-        const bool whole = placement.x == (*pair)[0].amount && placement.y == (*pair)[1].amount;
+        const bool whole = placement.position.x == (*pair)[0].amount && placement.position.y == (*pair)[1].amount;
         return whole || wrong("--position", "percentages must be whole numbers: " + text);
     }
-    placement.mode = 1 + (upper ? 1 : 0) + (right ? 2 : 0);
-    if (right) placement.x += placement.width;
-    if (upper) placement.y += placement.height;
+    placement.position.mode = 1 + (upper ? 1 : 0) + (right ? 2 : 0);
+    if (right) placement.position.x += placement.width;
+    if (upper) placement.position.y += placement.height;
     return true;
 }
 
 }  // namespace
-
-cli::Placement cli::movedOnto(Placement placement, const int* box, int rotation) {
-    const int quarter = (rotation % 360 + 360) % 360 / 90;
-    const int width = box[2] - box[0];
-    const int height = box[3] - box[1];
-    if (placement.mode == 0) {
-        placement.mode = 1;
-        placement.x = static_cast<int>((quarter % 2 == 0 ? width : height) * 1LL * placement.x / 100);
-        placement.y = static_cast<int>((quarter % 2 == 0 ? height : width) * 1LL * placement.y / 100);
-    }
-    // The way from 0 0 to the box as the reader of the turned page sees it: to the right, and up.
-    const int right[] = {box[0], box[1], -box[0], -box[1]};
-    const int up[] = {box[1], -box[0], -box[1], box[0]};
-    placement.x += placement.mode >= 3 ? -right[quarter] : right[quarter];
-    placement.y += placement.mode % 2 == 0 ? -up[quarter] : up[quarter];
-    return placement;
-}
 
 void cli::addPlacementOptions(const Parser& parser, PlacementOptions& options) {
     parser.option("--page", options.page, "Page that carries the signature: from 1, or \"last\"").shownAs("N");

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "varnpdf/PdfOutput.h"
+
 namespace cli {
 
 /// Writes to standard output. A failure is remembered for `finishOutput`.
@@ -12,8 +14,8 @@ void put(std::string_view bytes);
 /// Flushes standard output; `code`, or `kAllFailed` with a complaint when something could not be written.
 [[nodiscard]] int finishOutput(int code);
 [[nodiscard]] bool outputIsTerminal();
-/// Puts `bytes` under this name, all of them or nothing: a temporary file beside it is written, synced and renamed.
-/// A device or pipe is written directly. False after a complaint.
+/// Puts `bytes` under this name, all of them or nothing.
+/// False after a complaint.
 [[nodiscard]] bool writeFile(const std::string& path, std::string_view bytes);
 /// The same for bytes that stand in several places.
 [[nodiscard]] bool writeFile(const std::string& path, std::span<const std::string_view> pieces);
@@ -23,17 +25,14 @@ class WorkFile {
 public:
     /// Creates it with these bytes. Check `isOpen`; a complaint has been made.
     WorkFile(const std::string& target, std::string_view bytes);
-    WorkFile(const WorkFile&) = delete;
-    WorkFile& operator=(const WorkFile&) = delete;
-    ~WorkFile();
-    [[nodiscard]] bool isOpen() const { return !path_.empty(); }
-    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] bool isOpen() const { return !path().empty(); }
+    [[nodiscard]] std::string path() const { return file_.GetWorkPath(); }
     /// Puts it in the place of the target. False after a complaint.
     [[nodiscard]] bool commit();
 
 private:
     std::string target_;
-    std::string path_;
+    CPdfOutput file_;
 };
 
 }  // namespace cli

@@ -177,19 +177,19 @@ bool cli::Preparation::settlePlace() {
     if ((placement_.page <= 0 && !placement_.visible()) || !boxNote_.empty()) return true;
     CPdf pdf;
     if (openDocument(pdf, file_) != 0) return false;
-    CPdfObj* catalogue = referenced(pdf, pdf.GetLastTrailer()->root());
-    CPdfObj* root = catalogue != nullptr ? referenced(pdf, *catalogue, "/Pages") : nullptr;
-    int index = std::max(placement_.page, 0);
-    int box[4] = {};
-    int rotation = 0;
-    if (root == nullptr || pdf.GetPdfPageObject(root, index, box, &rotation) == nullptr) {
+    const std::vector<PdfPage> pages = CPdfPages::All(pdf);
+    const int last = static_cast<int>(pages.size()) - 1;
+    const int index = placement_.page < 0 ? last : placement_.page;
+    if (index > last || last < 0) {
         if (placement_.page <= 0) return true;  // the library knows better what is missing
         complain(file_, "there is no page " + std::to_string(placement_.page + 1));
         return false;
     }
-    while (placement_.page < 0 && pdf.GetPdfPageObject(root, index + 1, box, &rotation) != nullptr) ++index;
+    const PdfPage& page = pages[static_cast<std::size_t>(index)];
+    int box[4] = {};
+    for (int i = 0; i < 4; ++i) box[i] = static_cast<int>(page.mediaBox[i]);
     if (!placement_.visible() || (box[0] == 0 && box[1] == 0)) return true;
-    placement_ = movedOnto(placement_, box, rotation);
+    placement_.position = CPdfPages::FromOrigin(placement_.position, page);
     boxNote_ = "; the page's box begins at " + std::to_string(box[0]) + ' ' + std::to_string(box[1]) +
                ", and signatures are only placed between 0 0 and " + std::to_string(box[2] - box[0]) + ' ' +
                std::to_string(box[3] - box[1]);
@@ -199,10 +199,11 @@ bool cli::Preparation::settlePlace() {
 bool cli::Preparation::run(CPdfSign& sign, unsigned int room) {
     if (!settlePlace() || (defaultLines_ && !addDefaultLines())) return false;
     sign.setUserETSISubFilter(cades_);
-    const int code = sign.SignPDFFile(file_.data(), placement_.page, placement_.mode, placement_.x, placement_.y,
-                                      placement_.width, placement_.height, 0, reason_.data(), location_.data(),
-                                      name_.data(), date_.data(), room, false, 0, image_.empty() ? 0 : 1, image_.data(),
-                                      lines_.data(), static_cast<int>(lines_.size()), lock_ ? 1 : 0, false);
+    const int code =
+        sign.SignPDFFile(file_.data(), placement_.page, placement_.position.mode, placement_.position.x,
+                         placement_.position.y, placement_.width, placement_.height, 0, reason_.data(),
+                         location_.data(), name_.data(), date_.data(), room, false, 0, image_.empty() ? 0 : 1,
+                         image_.data(), lines_.data(), static_cast<int>(lines_.size()), lock_ ? 1 : 0, false);
     if (code == VARNPDF_OUTSIDE_PAGE && !boxNote_.empty()) {
         complain(file_, varnpdf_message(code) + boxNote_ + " (" + std::to_string(code) + ')');
     } else if (code != 0) {

@@ -69,7 +69,8 @@ void showTrailers(const CPdf& pdf) {
 
 void showTable(CPdf& pdf) {
     cli::put("  number   gen  place                 state    type\n");
-    cli::forEachObject(pdf, [](CPdfObj& obj) {
+    for (CPdfObj* const object : CPdfObjects::All(pdf)) {
+        CPdfObj& obj = *object;
         const std::string place = obj.GetIsCompressed() ? "in stream " + std::to_string(obj.GetCompressStreamObjNr()) +
                                                               " at " + std::to_string(obj.GetPositioninStreamArray())
                                                         : std::to_string(obj.GetFromPos());
@@ -82,7 +83,7 @@ void showTable(CPdf& pdf) {
         std::snprintf(line, sizeof line, "%8d %5d  %-20s  %-7s", obj.GetObjNum(), obj.GetGenNumber(), place.c_str(),
                       state);
         cli::put(line + (type.empty() ? "" : "  " + type) + '\n');
-    });
+    }
 }
 
 int showObject(CPdf& pdf, const Options& options, int number) {

@@ -1,21 +1,16 @@
 // varnpdf verify: whether the signatures of documents are intact, and whose they are.
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "cms.h"
 #include "command.h"
 #include "document.h"
-#include "fields.h"
 #include "output.h"
-#include "text.h"
-#include "tokens.h"
+#include "signatures.h"
 #include "varnpdf/PdfText.h"
 
 namespace {
@@ -51,92 +46,25 @@ constexpr Format kFormats[] = {
     {"ETSI.RFC3161", cli::ValueContent::kTimeStamp},
 };
 
-/// The two ranges of /ByteRange, the first of which begins at 0.
-struct Range {
-    std::size_t firstLength = 0;
-    std::size_t secondBegin = 0;
-    std::size_t end = 0;
-};
-
-using Numbers = std::array<long long, 4>;
-
 template <typename T>
 Json orNull(const std::optional<T>& found) {
     return found ? Json(*found) : Json(nullptr);
 }
 
-std::string_view wholeFile(CPdf& pdf) { return {reinterpret_cast<const char*>(pdf.GetContent()), pdf.GetContentLen()}; }
-
-std::optional<Numbers> numbersOf(std::optional<std::string_view> text) {
-    if (!text || !text->starts_with('[')) return std::nullopt;
-    std::string_view rest = text->substr(1);
-    Numbers numbers{};
-    for (long long& number : numbers) {
-        rest = cli::trimmed(rest);
-        const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), number);
-        if (error != std::errc() || number < 0) return std::nullopt;
-        rest.remove_prefix(static_cast<std::size_t>(end - rest.data()));
-    }
-    if (!cli::trimmed(rest).starts_with(']')) return std::nullopt;
-    return numbers;
-}
-
-/// The hexadecimal string of /Contents with its delimiters, as it stands in the dictionary; "" when it is none.
-std::string_view valueText(const cli::Dictionary& dictionary) {
-    const std::optional<std::string_view> text = cli::lookUp(*dictionary.object, "Contents");
-    return text && text->starts_with('<') && !text->starts_with("<<") ? *text : std::string_view();
-}
-
-/// A sentence when the range is not everything but the value; else it is filled in. An unsigned gap that holds more, or
-/// lies elsewhere, could hide content.
-std::optional<std::string> rangeProblem(CPdf& pdf, const cli::Dictionary& dictionary,
-                                        const std::optional<Numbers>& numbers, Range& range) {
-    if (!numbers) return "it has no byte range of four numbers";
-    const auto [begin, length0, begin1, length1] = *numbers;
-    const auto size = static_cast<long long>(pdf.GetContentLen());
-    if (begin != 0) return "its byte range does not begin at the start of the file";
-    if (length0 > begin1 || begin1 > size || length1 > size - begin1) return "its byte range lies outside of the file";
-    const std::string_view text = valueText(dictionary);
-    const std::optional<std::size_t> place = text.empty() ? std::nullopt : cli::offsetOf(dictionary, text);
-    if (!place || *place != static_cast<std::size_t>(length0) ||
-        text.size() != static_cast<std::size_t>(begin1 - length0)) {
-        return "its byte range leaves out something else than its own value";
-    }
-    range = {static_cast<std::size_t>(length0), static_cast<std::size_t>(begin1),
-             static_cast<std::size_t>(begin1 + length1)};
-    return std::nullopt;
-}
-
-/// Sections of the cross-reference data that begin behind `end`. A companion stream belongs to the table that names it.
-int updatesBehind(CPdf& pdf, std::size_t end) {
-    std::set<int> sections;
-    std::set<int> companions;
-    for (int i = -1; i < pdf.GetTrailerCount(); ++i) {
-        const CPdfTrailer* section = i < 0 ? pdf.GetLastTrailer() : pdf.GetTrailer(i);
-        if (section == nullptr) continue;
-        if (section->GetXRefStmAddr() > 0) companions.insert(section->GetXRefStmAddr());
-        if (section->GetXRef() > 0 && static_cast<std::size_t>(section->GetXRef()) >= end) {
-            sections.insert(section->GetXRef());
-        }
-    }
-    for (const int companion : companions) sections.erase(companion);
-    return static_cast<int>(sections.size());
-}
-
-void addCoverage(CPdf& pdf, const Range& range, Json& out) {
-    out["covers_bytes"] = range.end;
-    out["covers_whole_file"] = range.end == pdf.GetContentLen();
-    out["later_updates"] = updatesBehind(pdf, range.end);
+void addCoverage(const PdfSignature& signature, Json& out) {
+    if (signature.coverage != PdfCoverage::Complete && signature.coverage != PdfCoverage::InsideRevision) return;
+    out["covers_bytes"] = signature.coveredBytes;
+    out["covers_whole_file"] = signature.coversWholeFile;
+    out["later_updates"] = signature.laterUpdates;
 }
 
 /// Digest, signature and chain.
-void addValue(CPdf& pdf, const cli::Dictionary& dictionary, const Range& range, const Format& format,
-              X509_STORE* anchors, Json& out) {
-    const std::string_view all = wholeFile(pdf);
-    const std::string value = CPdfText::StringBytes(valueText(dictionary)).value_or("");
-    const std::string_view pieces[] = {all.substr(0, range.firstLength),
-                                       all.substr(range.secondBegin, range.end - range.secondBegin)};
-    const cli::ValueReport report = cli::checkValue(value, pieces, format.content);
+void addValue(CPdf& pdf, const PdfSignature& signature, const Format& format, X509_STORE* anchors, Json& out) {
+    const std::string_view all(reinterpret_cast<const char*>(pdf.GetContent()), pdf.GetContentLen());
+    const auto first = static_cast<std::size_t>(signature.byteRange[1]);
+    const auto second = static_cast<std::size_t>(signature.byteRange[2]);
+    const std::string_view pieces[] = {all.substr(0, first), all.substr(second, signature.coveredBytes - second)};
+    const cli::ValueReport report = cli::checkValue(signature.value, pieces, format.content);
     out["intact"] = report.state == cli::ValueState::kIntact;
     if (!out["intact"]) out["problem"] = cli::sentenceOf(report.state);
     if (!report.digest.empty()) out["digest"] = report.digest;
@@ -148,8 +76,8 @@ void addValue(CPdf& pdf, const cli::Dictionary& dictionary, const Range& range, 
 }
 
 /// Order of the keys of one signature; everything null.
-Json blankSignature(const cli::SignatureField& field) {
-    Json out = {{"field", orNull(field.name)}, {"in_form", field.inForm}, {"intact", false}};
+Json blankSignature(const PdfSignatureField& field) {
+    Json out = {{"field", cli::nameOrNull(field)}, {"in_form", field.inForm}, {"intact", false}};
     for (const char* key : {"problem", "trusted", "trust_problem", "signer", "subfilter", "digest", "date",
                             "byte_range", "covers_bytes", "covers_whole_file", "later_updates"}) {
         out[key] = nullptr;
@@ -157,28 +85,25 @@ Json blankSignature(const cli::SignatureField& field) {
     return out;
 }
 
-Json checked(CPdf& pdf, const cli::SignatureField& field, X509_STORE* anchors) {
+Json checked(CPdf& pdf, const PdfSignatureField& field, X509_STORE* anchors) {
     Json out = blankSignature(field);
     if (anchors != nullptr) out["trusted"] = false;
-    if (field.value.object == nullptr) {
+    if (field.signature == nullptr) {
         out["problem"] = "its field names no signature dictionary";
         return out;
     }
-    const CPdfObj& dictionary = *field.value.object;
-    out["date"] = orNull(cli::displayed(cli::lookUp(pdf, dictionary, "M")));
-    const std::optional<std::string> subFilter = cli::displayed(cli::lookUp(pdf, dictionary, "SubFilter"));
-    out["subfilter"] = orNull(subFilter);
-    const std::optional<Numbers> numbers = numbersOf(cli::lookUp(pdf, dictionary, "ByteRange"));
-    out["byte_range"] = orNull(numbers);
-    Range range;
-    if (const std::optional<std::string> problem = rangeProblem(pdf, field.value, numbers, range)) {
-        out["problem"] = *problem;
+    const PdfSignature& signature = *field.signature;
+    if (signature.texts.contains("M")) out["date"] = signature.text("M");
+    if (signature.texts.contains("SubFilter")) out["subfilter"] = signature.text("SubFilter");
+    if (!signature.byteRange.empty()) out["byte_range"] = signature.byteRange;
+    addCoverage(signature, out);
+    if (signature.coverage != PdfCoverage::Complete) {
+        out["problem"] = varnpdf_coverage_message(signature.coverage);
         return out;
     }
-    addCoverage(pdf, range, out);
     for (const Format& format : kFormats) {
-        if (format.subFilter != subFilter.value_or("")) continue;
-        addValue(pdf, field.value, range, format, anchors, out);
+        if (format.subFilter != signature.text("SubFilter")) continue;
+        addValue(pdf, signature, format, anchors, out);
         return out;
     }
     out["problem"] = "its format (/SubFilter) is unsupported";
@@ -194,8 +119,10 @@ Json checkFile(const std::string& file, X509_STORE* anchors, std::size_t& size) 
     int code = cli::openDocument(pdf, file);
     size = pdf.GetContentLen();
     if (code == 0) {
-        cli::SignatureSearch search(pdf);
-        for (const cli::SignatureField& field : search.run()) out["signatures"].push_back(checked(pdf, field, anchors));
+        const CPdfSignatureList list(pdf);
+        for (const PdfSignatureField& field : list.GetFields()) {
+            if (field.isSigned) out["signatures"].push_back(checked(pdf, field, anchors));
+        }
         if (out["signatures"].empty()) {
             code = VARNPDF_NO_SIGNATURE;
             cli::complain(file, code);

@@ -100,6 +100,20 @@ expect 0 intact a.b
 file=sha1.pdf
 craft $file adbe.pkcs7.sha1 0 "$form" "${page[@]}" '<< /FT /Sig /T (a) /V 5 0 R >>' @
 expect 0 intact a
+# What stands in the room beside the value is not signed.
+digits='NOT INTACT: something else than hexadecimal digits stands in the room of its value'
+while IFS='|' read -r bytes code result; do
+    file=room.pdf
+    craft $file $detached 0 "$form" "${page[@]}" '<< /FT /Sig /T (a) /V 5 0 R >>' @
+    value_at=$(LC_ALL=C grep -a -b -o '/Contents <' $file | cut -d: -f1)
+    printf '%b' "$bytes" | dd of=$file bs=1 seek=$((value_at + 3900)) conv=notrunc status=none
+    expect "$code" "$result" a
+done <<TABLE
+0000|0|intact
+7 0 obj[6 0 R]|4|$digits
+%%EOF|4|$digits
+1234|4|NOT INTACT: something else than padding stands behind its value
+TABLE
 file=gap.pdf
 craft $file $detached 3 "$form" "${page[@]}" '<< /FT /Sig /T (a) /V 5 0 R >>' @
 expect 4 'NOT INTACT: its byte range leaves out something else than its own value' a
