@@ -173,9 +173,9 @@ public:
     /// Counts the signed signature fields and refills the register.
     int PdfGetNumSignatures();
     /// The field object of a signature, or null for an index that is negative or not below the number of signatures,
-    /// as last counted by `GetSignatureField`, minus one.
+    /// as last counted by `GetSignatureField`, minus one. Lets std::bad_alloc out.
     CPdfObj* GetPdfObjBySigIndex(int index);
-    /// Appends the /T text of every signature field, signed or empty, as it stands in the file.
+    /// Appends the /T text of every signature field, signed or empty, as it stands in the file. Lets std::bad_alloc out.
     void create_vectorlist_of_signatures(std::vector<std::string>& names);
     /// One entry of an object; `buffer` holds the object's content length + 1 bytes. `*length` (may be null) receives
     /// the strlen of the value. 1 when found, else 0.

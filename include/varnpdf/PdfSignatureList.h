@@ -55,7 +55,7 @@ struct PdfSignatureField {
     int page = -1;          ///< index of the page that shows the first widget; -1 when none does
     bool hasRect = false;
     double rect[4] = {};  ///< of that widget: lower left and upper right corner in the page's own space
-    /// Shared by fields with the same dictionary; null without one.
+    /// Shared by fields with the same dictionary, of which the first hundred have it; null without one.
     std::shared_ptr<const PdfSignature> signature;
     std::shared_ptr<const PdfSignatureLock> lock;  ///< likewise
 };

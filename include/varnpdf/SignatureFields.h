@@ -6,7 +6,8 @@
 #include "varnpdf/export.h"
 
 /// The values of one signature of one file, by tag as `CPdf::GetSignatureField` counts them. A record of the cache that
-/// `CPdfInfo::GetSignatureFieldEx` keeps; file name, file date and index tell which.
+/// `CPdfInfo::GetSignatureFieldEx` keeps; file name, file date and index tell which. Copying
+/// and the getters let std::bad_alloc out.
 class VARNPDF_EXPORT cPdfSignatureFields {
 public:
     /// Every value, in the order of the fields.

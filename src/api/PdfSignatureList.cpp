@@ -82,9 +82,9 @@ private:
 
     std::shared_ptr<const PdfSignature> signatureOf(const HeldDictionary& dictionary) {
         if (dictionary.holder == nullptr) return nullptr;
-        auto& known = signatures_[dictionary.text.data()];
+        auto& [known, shares] = signatures_[dictionary.text.data()];
         if (!known) known = std::make_shared<const PdfSignature>(makeSignature(dictionary));
-        return known;
+        return ++shares <= limits::kSharedSignature ? known : nullptr;
     }
 
     PdfSignature makeSignature(const HeldDictionary& dictionary) {
@@ -152,7 +152,7 @@ private:
     CoverageReader coverages_;
     std::size_t budget_;
     std::unordered_map<int, int> pages_;
-    std::unordered_map<const char*, std::shared_ptr<const PdfSignature>> signatures_;
+    std::unordered_map<const char*, std::pair<std::shared_ptr<const PdfSignature>, std::size_t>> signatures_;
     std::unordered_map<const char*, std::shared_ptr<const PdfSignatureLock>> locks_;
 };
 

@@ -29,7 +29,10 @@ namespace {
 
 class Reader {
 public:
-    explicit Reader(StoreState& state) : state_(state), values_(state.document) {}
+    explicit Reader(StoreState& state)
+        : state_(state),
+          values_(state.document),
+          budget_(limits::kObjectBytesBase + limits::kObjectBytesPerByte * state.document.length) {}
 
     void run() {
         const auto& newest = state_.document.newest;
@@ -79,13 +82,13 @@ private:
         return known;
     }
 
-    // Many arrays may be one; together they may name only so many objects.
+    // Many arrays may be one; together they may be only so long.
     std::vector<int> numbers(std::string_view array) {
         std::vector<int> out;
-        const auto items = itemsOf(values_.resolved(array));
-        if (!items || items->size() > references_) return out;
-        references_ -= items->size();
-        for (const std::string_view item : *items) {
+        array = values_.resolved(array);
+        if (array.size() > budget_) return out;
+        budget_ -= array.size();
+        for (const std::string_view item : itemsOf(array).value_or(std::vector<std::string_view>{})) {
             const CPdfObj* const object = values_.resolve(item).holder;
             out.push_back(object != nullptr ? object->GetObjNum() : -1);
         }
@@ -111,7 +114,7 @@ private:
 
     StoreState& state_;
     Values values_;
-    std::size_t references_ = limits::kTreeReferences;
+    std::size_t budget_;
     std::unordered_map<const char*, Shared> shared_;
 };
 

@@ -10,6 +10,7 @@
 #include "support/Limits.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Encoding.h"
+#include "syntax/Text.h"
 #include "syntax/Values.h"
 
 namespace varnpdf {
@@ -102,8 +103,10 @@ void Walk::walkForm() {
 // Fields that the form does not list: counted as signatures, and found by the page by some viewers.
 void Walk::walkObjects() {
     document_.objects.forEach([&](int, CPdfObj& obj) {
-        if (obj.fieldTypeEntry().empty()) return;
-        const std::string_view text = objectValue(obj.content());
+        // The /FT that every object keeps is read by the letter of the lookups, which a string may lead astray.
+        const std::string_view content = obj.content();
+        if (obj.fieldTypeEntry().empty() && (!contains(content, "/FT") || !contains(content, "/Sig"))) return;
+        const std::string_view text = objectValue(content);
         if (!text.starts_with("<<") || seen_.contains(text.data())) return;
         const Dictionary dictionary(text);
         if (nameOf(values_.resolved(dictionary.find("/FT"))) != "Sig") return;

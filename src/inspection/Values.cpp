@@ -1,24 +1,17 @@
 // Following references from many places to the same objects.
 #include "inspection/Values.h"
 
-#include "support/Limits.h"
-#include "syntax/Dictionary.h"
 #include "syntax/Values.h"
 
 namespace varnpdf {
 
 Resolved Values::resolve(std::string_view value) {
-    Resolved found{value, nullptr};
-    for (int i = 0; i < limits::kReferenceChain; ++i) {
-        const auto number = referenceOf(found.value);
-        if (!number) return found.value == "null" ? Resolved{{}, found.holder} : found;
-        found.holder = document_.objects.find(*number);
-        if (found.holder == nullptr) return {};
-        const auto [known, isNew] = values_.try_emplace(found.holder);
-        if (isNew) known->second = objectValue(found.holder->content());
-        found.value = known->second;
-    }
-    return {};
+    const auto number = referenceOf(value);
+    if (!number) return {value == "null" ? std::string_view{} : value, nullptr};
+    const CPdfObj* const object = document_.objects.find(*number);
+    const auto [known, isNew] = known_.try_emplace(object);
+    if (isNew && object != nullptr) known->second = varnpdf::resolve(document_, value);
+    return known->second;
 }
 
 }  // namespace varnpdf

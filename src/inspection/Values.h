@@ -20,7 +20,7 @@ public:
 
 private:
     const Document& document_;
-    std::unordered_map<const CPdfObj*, std::string_view> values_;
+    std::unordered_map<const CPdfObj*, Resolved> known_;
 };
 
 }  // namespace varnpdf

@@ -63,6 +63,8 @@ inline constexpr int kFormFonts = 100'000;
 /// Longest content of an appearance whose text is replaced, and what all of them may inflate to together.
 inline constexpr std::size_t kAppearanceBytes = std::size_t{4} << 20U;
 inline constexpr std::size_t kAppearancesBytes = std::size_t{256} << 20U;
+/// Fields that share one signature dictionary and are given it; hosts make something of it for each.
+inline constexpr std::size_t kSharedSignature = 100;
 /// Longest content of a stream of a security store that is given out.
 inline constexpr std::size_t kStoredBytes = std::size_t{16} << 20U;
 /// What is gone through to list the embedded files: many names may lead to one large object.

@@ -23,8 +23,13 @@
     ROW(CPdfLockInfo)            \
     ROW(CPdfObj)                 \
     ROW(CPdfObjTransferListItem) \
+    ROW(CPdfObjects)             \
+    ROW(CPdfOutput)              \
+    ROW(CPdfPages)               \
     ROW(CPdfSigInfo)             \
     ROW(CPdfSign)                \
+    ROW(CPdfSignatureList)       \
+    ROW(CPdfStore)               \
     ROW(CPdfTestObj)             \
     ROW(CPdfText)                \
     ROW(CPdfTrailer)             \
@@ -37,7 +42,14 @@
     ROW(cPdfSignatureFields)     \
     ROW(c_pdf_dss)               \
     ROW(FormfieldInfo_tag)       \
-    ROW(pdf_dss_struct)
+    ROW(pdf_dss_struct)          \
+    ROW(PdfPage)                 \
+    ROW(PdfPosition)             \
+    ROW(PdfSignature)            \
+    ROW(PdfSignatureField)       \
+    ROW(PdfSignatureLock)        \
+    ROW(PdfStoreEntry)           \
+    ROW(PdfStoreMaterial)
 
 // A function that others could call keeps the class it takes in the description.
 #define MENTION(name)                             \

@@ -199,6 +199,11 @@ TEST(ShownSignatures, Fields) {
         {"widget that its field does not list",
          {{10, "<< /FT /Sig /T (a) /V 5 0 R >>"}, {21, "<< /Subtype /Widget /FT /Sig /Parent 10 0 R >>"}},
          "a 0+@0"},
+        {"strings that end in a backslash",
+         {{10, R"(<< /X (C:\\) /FT /Sig /T (a) /V 5 0 R /Kids [20 0 R] >>)"},
+          {20, R"(<< /X (\(\\) /Subtype /Widget /Parent 10 0 R >>)"},
+          {21, R"(<< /X (C:\\) /Subtype /Widget /FT /Sig /T (b(\\)\)) /V 5 0 R >>)"}},
+         R"(a 0+@0, b(\)) 1@0)"},
         {"counted without a value", {{10, "<< /Type /Annot /FT /Sig /T (a) /V null >>"}}, "a 0+@-1-"},
     };
     for (const auto& row : rows) {
