@@ -43,6 +43,7 @@ public:
         std::vector<PdfSignatureField> out;
         const std::vector<SignatureField> found = shownSignatures(document_, values_);
         if (!found.empty()) pages_ = annotationPages(document_);
+        out.reserve(found.size());
         for (const SignatureField& field : found) out.push_back(record(field));
         return out;
     }

@@ -202,10 +202,11 @@ std::string Walk::prefixAbove(const Dictionary& dictionary) {
         parent = values_.resolved(valueOf(parent, "/Parent"));
     }
     std::string prefix = parent.starts_with("<<") && prefixes_.contains(parent.data()) ? prefixes_[parent.data()] : "";
-    for (auto it = above.rbegin(); it != above.rend(); ++it) {
-        if (const auto partial = partialName(Dictionary(*it))) prefix = joined(prefix, *partial);
+    std::reverse(above.begin(), above.end());
+    for (const std::string_view node : above) {
+        if (const auto partial = partialName(Dictionary(node))) prefix = joined(prefix, *partial);
         if (prefix.size() > limits::kFieldNameBytes || !mayCost(prefix.size())) prefix.clear();
-        prefixes_[it->data()] = prefix;
+        prefixes_[node.data()] = prefix;
     }
     return prefix;
 }

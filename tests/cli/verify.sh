@@ -83,20 +83,10 @@ expect() {
 file=separate.pdf  # the field is no annotation itself
 craft $file $detached 0 "$form" "${page[@]}" '<< /FT /Sig /T (a) /V 5 0 R /Kids [6 0 R] >>' @ '<< /Type /Annot /Parent 4 0 R >>'
 expect 0 intact a
-file=inherited.pdf
-craft $file $detached 0 "$form" "${page[@]}" '<< /FT /Sig /T (a) /Kids [5 0 R] >>' '<< /T (b) /Parent 4 0 R /V 6 0 R >>' @
-expect 0 intact a.b
-file=direct.pdf
-craft $file $detached 0 "$form" "${page[@]}" '<< /FT /Sig /T (a\)) /V @ >>'
-expect 0 intact 'a)'
 file=outside.pdf
 craft $file $detached 0 "${one_page[0]}" "${page[@]}" '<< /Type /Annot /FT /Sig /T (a) /V 5 0 R >>' @
 expect 0 intact a
 has 'outside the form' 'not part of the document' "$(cat out)"
-file=loop.pdf
-craft $file $detached 0 "$form" "${page[@]}" '<< /FT /Sig /T (a) /Kids [4 0 R 5 0 R] >>' \
-    '<< /T (b) /Kids [4 0 R] /V 6 0 R >>' @
-expect 0 intact a.b
 file=sha1.pdf
 craft $file adbe.pkcs7.sha1 0 "$form" "${page[@]}" '<< /FT /Sig /T (a) /V 5 0 R >>' @
 expect 0 intact a

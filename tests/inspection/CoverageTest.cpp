@@ -1,7 +1,6 @@
 // What a signature covers, and which fields a viewer shows as signatures.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -33,14 +32,21 @@ std::string changed(std::string_view from, std::string_view to) {
     return replaced(withContents('<' + kRoom + '>'), from, to);
 }
 
-std::string withRange(const std::function<std::string(std::size_t open, std::size_t close, std::size_t size)>& range) {
+/// The signed document with another text as /ByteRange.
+std::string withRange(std::string range) {
     std::string document = withContents('<' + kRoom + '>');
-    const std::size_t open = document.find(kRoom) - 1;
     const std::size_t begin = document.find("/ByteRange ") + 11;
-    const std::size_t length = document.find(']', begin) + 1 - begin;
-    std::string numbers = range(open, open + kRoom.size() + 2, document.size());
-    numbers.resize(length, ' ');
-    return document.replace(begin, length, numbers);
+    range.resize(document.find(']', begin) + 1 - begin, ' ');
+    return document.replace(begin, range.size(), range);
+}
+
+/// With its four numbers moved.
+std::string moved(int offset0, int length0, int offset1, int length1) {
+    const std::string document = withContents('<' + kRoom + '>');
+    const auto open = static_cast<int>(document.find(kRoom)) - 1;
+    const int close = open + static_cast<int>(kRoom.size()) + 2;
+    const int rest = static_cast<int>(document.size()) - close;
+    return withRange(text('[', offset0, ' ', open + length0, ' ', close + offset1, ' ', rest + length1, ']'));
 }
 
 TEST(Coverage, Findings) {
@@ -76,36 +82,16 @@ TEST(Coverage, Findings) {
         {"literal string", withContents("(>)"), NotItsValue},
         {"no string", changed("/Contents <", "/ContentX <"), NotItsValue},
         {"no range", changed("/ByteRange", "/ByteRangX"), NoRange},
-        {"three numbers", withRange([](auto, auto, auto) { return "[0 1 2]"s; }), NoRange},
-        {"five numbers", withRange([](auto, auto, auto) { return "[0 1 2 3 4]"s; }), NoRange},
-        {"negative", withRange([](auto open, auto close, auto) { return text("[0 ", open, ' ', close, " -1]"); }),
-         NoRange},
-        {"not from the start", withRange([](auto open, auto close, auto size) {
-             return text("[1 ", open, ' ', close, ' ', size - close, ']');
-         }),
-         NotFromStart},
-        {"beyond the end", withRange([](auto open, auto close, auto size) {
-             return text("[0 ", open, ' ', close, ' ', size - close + 1, ']');
-         }),
-         OutsideFile},
-        {"overlapping",
-         withRange([](auto open, auto, auto size) { return text("[0 ", open, ' ', open - 1, ' ', size - open, ']'); }),
-         OutsideFile},
-        {"beyond all numbers",
-         withRange([](auto open, auto close, auto) { return text("[0 ", open, ' ', close, " 9223372036854775807]"); }),
-         OutsideFile},
-        {"a byte more left out", withRange([](auto open, auto close, auto size) {
-             return text("[0 ", open, ' ', close + 1, ' ', size - close - 1, ']');
-         }),
-         NotItsValue},
-        {"a byte less", withRange([](auto open, auto close, auto size) {
-             return text("[0 ", open + 1, ' ', close, ' ', size - close, ']');
-         }),
-         NotItsValue},
-        {"not to the end", withRange([](auto open, auto close, auto size) {
-             return text("[0 ", open, ' ', close, ' ', size - close - 7, ']');
-         }),
-         InsideRevision},
+        {"three numbers", withRange("[0 1 2]"), NoRange},
+        {"five numbers", withRange("[0 1 2 3 4]"), NoRange},
+        {"negative", withRange("[0 100 300 -1]"), NoRange},
+        {"beyond all numbers", withRange("[0 100 300 9223372036854775807]"), OutsideFile},
+        {"not from the start", moved(1, 0, 0, 0), NotFromStart},
+        {"beyond the end", moved(0, 0, 0, 1), OutsideFile},
+        {"overlapping", moved(0, 0, -200, 0), OutsideFile},
+        {"a byte more left out", moved(0, 0, 1, -1), NotItsValue},
+        {"a byte less", moved(0, 1, 0, 0), NotItsValue},
+        {"not to the end", moved(0, 0, 0, -7), InsideRevision},
         {"packed",
          smallDocument()
              .object(4, kField)
