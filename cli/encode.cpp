@@ -77,15 +77,7 @@ std::optional<std::string> cli::toName(const std::string& what, std::string_view
         complain(what, "a name must not start with the characters that mark an encoding: " + std::string(utf8));
         return std::nullopt;
     }
-    // The library escapes parentheses and backslashes, but not the first byte and not behind a backslash.
-    std::string out;
-    char before = '\\';
-    for (const char c : utf8) {
-        if (before == '\\' && std::string_view("()\\").find(c) != std::string_view::npos) out += '\\';
-        out += c;
-        before = c;
-    }
-    return out;
+    return std::string(utf8);
 }
 
 bool cli::isName(std::string_view utf8) {

@@ -189,6 +189,8 @@ void Walk::numberSignatures() {
 std::optional<std::string> Walk::partialName(const Dictionary& dictionary) {
     const std::string_view written = values_.resolved(dictionary.find("/T"));
     if (written.size() > limits::kFieldNameWritten) return std::nullopt;
+    // Some writers give a name instead of a text string.
+    if (written.starts_with('/')) return toUtf8(fromUtf8(nameOf(written)));
     const auto bytes = stringOf(written);
     return bytes ? std::optional(toUtf8(fromTextString(*bytes))) : std::nullopt;
 }

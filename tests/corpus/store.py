@@ -43,10 +43,14 @@ class Document:
         return {key: self.get(value) for key, value in vri.items()}
 
     def keys(self):
-        """The key of each signature that the program counts, in its order."""
+        """The key of each signature, in the order of the fields: of those that are annotations, if there are any."""
+        counted = list(self._keys(lambda field: field.get("/Type") == "/Annot"))
+        return counted or list(self._keys(lambda field: True))
+
+    def _keys(self, wanted):
         for item in sorted(self.objects.items(), key=lambda pair: int(re.search(r"\d+|$", pair[0]).group() or 0)):
             field = item[1].get("value")
-            if isinstance(field, dict) and field.get("/FT") == "/Sig" and field.get("/Type") == "/Annot" and "/V" in field:
+            if isinstance(field, dict) and field.get("/FT") == "/Sig" and wanted(field) and "/V" in field:
                 contents = (self.get(field["/V"]) or {}).get("/Contents", "")
                 raw = bytes.fromhex(contents[2:]) if contents.startswith("b:") else contents[2:].encode()
                 yield "/" + hashlib.sha1(raw).hexdigest().upper() if contents else None
