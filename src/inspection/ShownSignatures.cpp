@@ -190,7 +190,10 @@ std::optional<std::string> Walk::partialName(const Dictionary& dictionary) {
     const std::string_view written = values_.resolved(dictionary.find("/T"));
     if (written.size() > limits::kFieldNameWritten) return std::nullopt;
     // Some writers give a name instead of a text string.
-    if (written.starts_with('/')) return toUtf8(fromUtf8(nameOf(written)));
+    if (written.starts_with('/')) {
+        const std::string name = nameOf(written);
+        return toUtf8(fromUtf8(name).value_or(fromTextString(name)));
+    }
     const auto bytes = stringOf(written);
     return bytes ? std::optional(toUtf8(fromTextString(*bytes))) : std::nullopt;
 }
