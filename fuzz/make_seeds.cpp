@@ -1,7 +1,7 @@
 // Writes the first inputs of the fuzz targets: make_seeds DIRECTORY. Documents go to DIRECTORY/open and
 // DIRECTORY/attach, the same and documents with forms to DIRECTORY/sign, texts to DIRECTORY/syntax, keys with texts to
-// DIRECTORY/entry, old security stores to DIRECTORY/store, files to convert to DIRECTORY/convert. Small files of the
-// corpus join the documents.
+// DIRECTORY/entry, old security stores to DIRECTORY/store, files to convert to DIRECTORY/convert, choices of dictionaries
+// to DIRECTORY/dictionary. Small files of the corpus join the documents.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -168,6 +168,12 @@ const std::vector<std::vector<std::string>> kStores = {
     {"<</VRI 20 0 R/V#52I[1]/Certs(x)/CRLs 5/OCSPs 1 0 R/Y>>"},
     {"[]"}};
 
+// What the generator of dictionaries chooses, byte by byte: plain values of each kind, then nested ones.
+const std::vector<std::string> kChoices = {
+    {7, 0, 5, 1, 9, 0, 2, 4, 0, 3, 5, 8, 3, 4, 1, 2, 3, 4, 4, 3, 0, 1, 2, 5, 1, 6, 3, 14, 5, 0},
+    {3, 7, 0, 3, 8, 1, 2, 3, 2, 1, 5, 7, 1, 2, 0, 8, 1, 3, 1, 4, 0, 7, 2, 2, 2, 5, 9, 11},
+    {5, 8, 2, 3, 0, 8, 1, 1, 7, 1, 1, 2, 3, 8, 9, 10, 3, 2, 1, 2, 4, 2, 3, 6, 1, 1}};
+
 // The first byte chooses the kind of file: JPEG, TIFF, text.
 std::map<std::string, std::string> convertible() {
     using namespace std::string_literals;
@@ -218,7 +224,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     const fs::path root(argv[1]);
-    for (const char* const name : {"open", "attach", "sign", "syntax", "entry", "store", "convert"}) {
+    for (const char* const name : {"open", "attach", "sign", "syntax", "entry", "store", "convert", "dictionary"}) {
         fs::create_directories(root / name);
     }
     const auto made = documents();
@@ -232,6 +238,7 @@ int main(int argc, char** argv) {
     for (std::size_t i = 0; i < kEntries.size(); ++i) {
         write(root / "entry" / std::to_string(i), kEntries[i].first + '\0' + kEntries[i].second);
     }
+    for (std::size_t i = 0; i < kChoices.size(); ++i) write(root / "dictionary" / std::to_string(i), kChoices[i]);
     for (const auto& [name, bytes] : convertible()) write(root / "convert" / name, bytes);
     for (std::size_t i = 0; i < kStores.size(); ++i) {
         std::string bodies;
