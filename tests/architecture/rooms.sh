@@ -12,7 +12,7 @@ declare -A floor=(
     [model]=2
     [reader]=3
     [writer]=4
-    [inspection]=5
+    [inspection]=5 [content]=5
     [signing]=6 [longterm]=6 [forms]=6 [portfolio]=6
     [api]=7
 )

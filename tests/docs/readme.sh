@@ -5,7 +5,7 @@ set -euo pipefail
 
 root=${VARNPDF_SOURCE_DIR:-$(cd "$(dirname "$0")/../.." && pwd)}
 readme=$root/README.md
-pages=("$readme" "$root/docs/architecture.md")
+pages=("$readme" "$root/docs/architecture.md" "$root/docs/update.md")
 VARNPDF=${VARNPDF:-$root/build/release/cli/varnpdf}
 export VARNPDF
 work=$(mktemp -d)
