@@ -22,6 +22,7 @@ struct PdfState;
 class CPdfFieldContainer;
 class CPdfLockInfo;
 struct FormfieldInfo_tag;
+struct SigPosStruct;
 
 /// One document. Construct, `Open` (or `ParseContent`), read; `Close` or destroy at the end. A `CPdf` is used for one
 /// document and by one thread at a time; different documents may be used by different threads at the same time.
@@ -162,6 +163,12 @@ public:
     /// Depth-first search of one level of the page tree, given as reference list without brackets. `*counter` counts
     /// the pages passed.
     CPdfObj* GetPageObjectFromArray(char* refList, int* counter, int pageIndex);
+    /// Finds a text (terminated UTF-8) on the pages, by the rules of `CPdfTextSearch`.
+    /// @param count      in: how many records there is room for; out: how many places were found, 0 on an error
+    /// @param positions  gets as many of them as there is room for; null: they are only counted
+    /// @return 0, VARNPDF_TEXT_NOT_FOUND (-1821), VARNPDF_TEXT_UNUSABLE (-1822), VARNPDF_SEARCH_INCOMPLETE (-1823),
+    ///         VARNPDF_ROOT_OBJECT_MISSING (-1061), VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
+    int SearchSigPos_PDFFile(int* count, SigPosStruct* positions, char* text);
     /// Page index (from 0) of a page object; -1 when no page has this number, no catalogue or an encrypted document.
     int GetPageNoFromObjRef(int* objNum, int* genNum);
 

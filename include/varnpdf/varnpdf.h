@@ -25,6 +25,7 @@
 #include "varnpdf/PdfStore.h"
 #include "varnpdf/PdfText.h"
 #include "varnpdf/PdfTestObj.h"
+#include "varnpdf/PdfTextSearch.h"
 #include "varnpdf/PdfTrailer.h"
 #include "varnpdf/PdfXRef.h"
 #include "varnpdf/Sha.h"

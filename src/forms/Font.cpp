@@ -13,35 +13,6 @@ namespace {
 
 constexpr float kThousand = 1000;
 
-// The standard font that a name means, also under the names that other systems give it (ISO 32000-2 9.6.2.2).
-std::optional<StandardFace> standardFace(std::string_view name) {
-    const bool bold = contains(name, "Bold");
-    const bool slanted = contains(name, "Italic") || contains(name, "Oblique");
-    if (name.starts_with("Courier")) return StandardFace::Courier;
-    if (name.starts_with("Helvetica") || name.starts_with("Arial")) {
-        return bold ? StandardFace::HelveticaBold : StandardFace::Helvetica;
-    }
-    if (!name.starts_with("Times")) return std::nullopt;
-    if (slanted) return bold ? StandardFace::TimesBoldItalic : StandardFace::TimesItalic;
-    return bold ? StandardFace::TimesBold : StandardFace::Times;
-}
-
-float standardWidth(StandardFace face, char32_t character) {
-    constexpr float kCourier = 600;
-    const Glyph* const glyph = glyphOf(character);
-    if (glyph == nullptr) return 0;
-    if (face == StandardFace::Courier) return kCourier / kThousand;
-    return static_cast<float>(glyph->widths[static_cast<std::size_t>(face)]) / kThousand;
-}
-
-const Encoding* namedEncoding(std::string_view name) {
-    if (name == "/WinAnsiEncoding") return &winAnsiEncoding();
-    if (name == "/MacRomanEncoding") return &macRomanEncoding();
-    if (name == "/StandardEncoding") return &standardEncoding();
-    // Not among the names of the standard, but producers give it to the fonts of forms.
-    return name == "/PDFDocEncoding" ? &pdfDocEncoding() : nullptr;
-}
-
 void applyDifferences(std::string_view array, Encoding& encoding) {
     Lexer tokens(array);
     tokens.next();

@@ -72,7 +72,7 @@ inline constexpr std::size_t kAttachmentBytesBase = std::size_t{16} << 20U;
 inline constexpr std::size_t kAttachmentBytesPerByte = 16;
 /// What the text of pages is read through: content, forms each time they are shown, fonts. A fixed part and one that
 /// grows with the file. Then the most for one stream of content, for forms that are kept, and for one stream of a font.
-inline constexpr std::size_t kContentBytesBase = std::size_t{256} << 20U;
+inline constexpr std::size_t kContentBytesBase = std::size_t{64} << 20U;
 inline constexpr std::size_t kContentBytesPerByte = 20;
 inline constexpr std::size_t kContentBytes = std::size_t{256} << 20U;
 inline constexpr std::size_t kKeptContentBytes = std::size_t{64} << 20U;

@@ -32,6 +32,7 @@
     ROW(CPdfStore)               \
     ROW(CPdfTestObj)             \
     ROW(CPdfText)                \
+    ROW(CPdfTextSearch)          \
     ROW(CPdfTrailer)             \
     ROW(CPdfXRef)                \
     ROW(CPdfXRefContainer)       \
@@ -42,6 +43,7 @@
     ROW(cPdfSignatureFields)     \
     ROW(c_pdf_dss)               \
     ROW(FormfieldInfo_tag)       \
+    ROW(SigPosStruct)            \
     ROW(pdf_dss_struct)          \
     ROW(PdfPage)                 \
     ROW(PdfPosition)             \
