@@ -30,6 +30,7 @@ Command addPrepare(const Parser& program);
 Command addEmbed(const Parser& program);
 Command addVerify(const Parser& program);
 Command addConvert(const Parser& program);
+Command addFind(const Parser& program);
 Command addFields(const Parser& program);
 Command addFill(const Parser& program);
 Command addDss(const Parser& program);

@@ -107,7 +107,26 @@ bool takePosition(const std::string& text, const std::string& corner, cli::Place
     return true;
 }
 
+// Of a length that may lead to the left or down.
+std::optional<int> signedPoints(std::string_view text) {
+    text = cli::trimmed(text);
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    const std::optional<Length> length = lengthOf(text);
+    if (!length || length->percent) return std::nullopt;
+    return negative ? -rounded(*length) : rounded(*length);
+}
+
 }  // namespace
+
+std::optional<cli::Distance> cli::distanceOf(const std::string& text) {
+    const std::size_t comma = text.find(',');
+    if (comma == std::string::npos) return std::nullopt;
+    const std::optional<int> x = signedPoints(std::string_view(text).substr(0, comma));
+    const std::optional<int> y = signedPoints(std::string_view(text).substr(comma + 1));
+    if (!x || !y) return std::nullopt;
+    return Distance{*x, *y};
+}
 
 void cli::addPlacementOptions(const Parser& parser, PlacementOptions& options) {
     parser.option("--page", options.page, "Page that carries the signature: from 1, or \"last\"").shownAs("N");

@@ -27,6 +27,14 @@ struct Placement {
     [[nodiscard]] bool visible() const { return width > 0; }
 };
 
+/// In points, to the right and up.
+struct Distance {
+    int x = 0;
+    int y = 0;
+};
+/// Two lengths, each with or without a sign: "0,-40", "10mm,-5mm".
+std::optional<Distance> distanceOf(const std::string& text);
+
 void addPlacementOptions(const Parser& parser, PlacementOptions& options);
 /// Nothing after a complaint.
 std::optional<Placement> placementOf(const PlacementOptions& options);

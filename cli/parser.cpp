@@ -75,6 +75,10 @@ Option Parser::option(const std::string& name, std::optional<int>& target, const
     return Option(app_->add_option(name, target, help));
 }
 
+Option Parser::option(const std::string& name, std::optional<std::string>& target, const std::string& help) const {
+    return Option(app_->add_option(name, target, help));
+}
+
 Option Parser::flag(const std::string& name, bool& target, const std::string& help) const {
     return Option(app_->add_flag(name, target, help));
 }

@@ -51,6 +51,7 @@ public:
     Option option(const std::string& name, int& target, const std::string& help) const;
     Option option(const std::string& name, unsigned int& target, const std::string& help) const;
     Option option(const std::string& name, std::optional<int>& target, const std::string& help) const;
+    Option option(const std::string& name, std::optional<std::string>& target, const std::string& help) const;
     Option flag(const std::string& name, bool& target, const std::string& help) const;
     /// One that was added before.
     [[nodiscard]] Option added(const std::string& name) const;

@@ -66,6 +66,7 @@ bool isPicture(const std::string& path) {
 
 void addVisible(const cli::Parser& parser, cli::PreparationOptions& options) {
     cli::addPlacementOptions(parser, options.placement);
+    cli::addTextPlaceOptions(parser, options.at);
     const cli::Option size = parser.added("--size");
     parser.option("--image", options.image, "Background (PNG, also with transparency, or JPEG)")
         .needs(size)
@@ -101,11 +102,13 @@ void cli::addPreparationOptions(const Parser& parser, PreparationOptions& option
 std::optional<cli::Preparation> cli::Preparation::from(const PreparationOptions& options) {
     const std::optional<Placement> placement = placementOf(options.placement);
     const std::optional<std::string> date = signingTime(options.date);
-    if (!placement || !date) return std::nullopt;
+    const std::optional<TextPlace> at = textPlaceOf(options.at);
+    if (!placement || !date || !at) return std::nullopt;
     Preparation out;
     out.file_ = options.file;
     out.cades_ = options.subFilter == "cades";
     out.placement_ = *placement;
+    if (options.at.text) out.at_ = *at;
     out.image_ = options.image;
     out.font_ = numberOf(kFonts, options.font);
     out.style_ = numberOf(kStyles, options.style);
@@ -177,6 +180,11 @@ bool cli::Preparation::settlePlace() {
     if ((placement_.page <= 0 && !placement_.visible()) || !boxNote_.empty()) return true;
     CPdf pdf;
     if (openDocument(pdf, file_) != 0) return false;
+    if (at_) {
+        const std::optional<Placement> placed = placedAtText(placement_, *at_, pdf, file_);
+        if (placed) placement_ = *placed;
+        return placed.has_value();
+    }
     const std::vector<PdfPage> pages = CPdfPages::All(pdf);
     const int last = static_cast<int>(pages.size()) - 1;
     const int index = placement_.page < 0 ? last : placement_.page;

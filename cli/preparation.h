@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "measure.h"
+#include "textplace.h"
 #include "varnpdf/PdfSign.h"
 
 namespace cli {
@@ -16,6 +17,7 @@ struct PreparationOptions {
     std::string file;
     std::string subFilter = "cades";
     PlacementOptions placement;
+    TextPlaceOptions at;
     std::string image;
     std::vector<std::string> texts;
     std::string font = "helvetica";
@@ -51,7 +53,8 @@ private:
     std::string file_;
     bool cades_ = true;
     Placement placement_;
-    std::string boxNote_;  ///< why a place may lie outside
+    std::optional<TextPlace> at_;  ///< instead of the placement's page and place
+    std::string boxNote_;          ///< why a place may lie outside
     std::string image_;
     int font_ = 0;
     int style_ = 0;

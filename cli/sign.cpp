@@ -16,6 +16,7 @@ constexpr const char* kFooter = R"(Examples:
   varnpdf sign in.pdf -o out.pdf --key key.pem --cert cert.pem --chain ca.pem --reason "I agree"
   varnpdf sign in.pdf -o out.pdf --p12 me.p12 --pass-file secret --page last --size 70mm,25mm \
       --corner lower-right --position 20mm,15mm --text "Signed by=Jane Doe" --image seal.png
+  varnpdf sign in.pdf -o out.pdf --p12 me.p12 --size 60mm,20mm --at "Signature:" --at-hit last --at-offset 25mm,-5mm
 
 Without --size the signature is invisible. Lengths are points, or have a unit: mm, cm, in, pt. --position also takes
 whole percentages of the page. A visible signature without --text and --image shows signer, date and reason.
