@@ -2,7 +2,8 @@
 """Plants the faults of mutants.tsv one by one and asks whether the fast tests notice.
 
 The faults go into a copy of the source tree below build/mutants, which is built incrementally. The fast tests are the
-unit tests, those of the fault's own room first, and the scripts of tests/cli. A test that crashes, or runs far longer
+unit tests and the scripts of tests/cli. The tests of a fault's own room are asked first; the others are built only for
+faults that these do not notice. A test that crashes, or runs far longer
 than without the fault, has noticed it. Ends with 1 when a fault goes unnoticed that has no explanation in the list.
 """
 import argparse
@@ -78,9 +79,9 @@ def copy_tree():
 
 # --- building and testing ---------------------------------------------------------------------------------------------
 
-def build(jobs, *targets):
+def build(jobs, targets):
     """Returns what the compiler said when it failed, else nothing."""
-    command = ["cmake", "--build", BUILD, f"-j{jobs}", *(("--target", *targets) if targets else ())]
+    command = ["cmake", "--build", BUILD, f"-j{jobs}", "--target", *targets]
     done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, check=False)
     return done.stdout if done.returncode else ""
 
@@ -93,14 +94,22 @@ def configure():
         die(f"cmake could not configure the copy:\n{done.stdout}")
 
 
+def room_of(mutant):
+    """Whose tests are asked first: "src/signing/Locks.cpp" -> "signing"."""
+    parts = pathlib.Path(mutant.file).parts
+    return "cli" if parts[0] == "cli" else parts[1]
+
+
+def target_of(room):
+    return {"cli": "varnpdf_cli", "support": "test_support_room"}.get(room, f"test_{room}")
+
+
 def fast_tests():
-    """Room -> commands."""
+    """Room -> its commands. Rooms are named after directories of tests, and have tests."""
     rooms = {}
-    for program in sorted((BUILD / "tests").glob("test_*")):
-        if program.is_file() and os.access(program, os.X_OK) and program.suffix == "":
-            room = program.name.removeprefix("test_").removesuffix("_room")
-            if room != "corpus":
-                rooms[room] = [[str(program), "--gtest_fail_fast"]]
+    for directory in sorted((TREE / "tests").iterdir()):
+        if directory.name not in ("architecture", "corpus", "cli", "docs") and any(directory.glob("*Test.cpp")):
+            rooms[directory.name] = [[str(BUILD / "tests" / target_of(directory.name)), "--gtest_fail_fast"]]
     rooms["cli"] = [[str(script)] for script in sorted((TREE / "tests/cli").glob("*.sh"))
                     if not script.name.startswith("lib")]
     return rooms
@@ -138,24 +147,40 @@ def failing(command, seconds):
 
 
 class Tests:
-    """The fast tests; how long each may take is learnt from the first run."""
+    """The fast tests; how long each may take is learnt from a run without faults."""
 
     def __init__(self, jobs):
         self.jobs = jobs
         self.rooms = fast_tests()
         self.seconds = {}
 
-    def learn(self):
+    def learn(self, rooms):
+        """Builds the rooms' tests and runs those that were not run yet."""
         def measure(command):
             begin = time.monotonic()
             failed = failing(command, 600)
             return command[0], time.monotonic() - begin, failed
 
+        if said := build(self.jobs, [target_of(room) for room in rooms]):
+            die(f"does not build without a fault:\n{said}")
+        todo = [command for room in rooms for command in self.rooms[room] if command[0] not in self.seconds]
         with concurrent.futures.ThreadPoolExecutor(self.jobs) as pool:
-            for name, seconds, failed in pool.map(measure, sum(self.rooms.values(), [])):
+            for name, seconds, failed in pool.map(measure, todo):
                 if failed:
                     die(f"fails without a fault: {failed} ({name})")
                 self.seconds[name] = max(20, 5 * seconds)
+
+    def notice(self, mutant, rooms):
+        """Plants the fault and gives the first test of these rooms that fails; nothing when none does."""
+        file = TREE / mutant.file
+        original = file.read_text()
+        file.write_text(original.replace(mutant.original, mutant.replacement))
+        try:
+            if said := build(self.jobs, [target_of(room) for room in rooms]):
+                die(f"line {mutant.line} of the list does not compile with its fault:\n{said}")
+            return self.first_failing([command for room in rooms for command in self.rooms[room]])
+        finally:
+            file.write_text(original)
 
     def first_failing(self, commands):
         with concurrent.futures.ThreadPoolExecutor(self.jobs) as pool:
@@ -164,35 +189,6 @@ class Tests:
                     pool.shutdown(wait=True, cancel_futures=True)
                     return failed
         return ""
-
-    def notice(self, room):
-        """Who notices first: the room's own tests, built alone, or any other."""
-        target = {"cli": "varnpdf_cli", "support": "test_support_room"}.get(room, f"test_{room}")
-        own = self.rooms.get(room, [])
-        if own:
-            if said := build(self.jobs, target):
-                return None, said
-            if failed := self.first_failing(own):
-                return failed, ""
-        if said := build(self.jobs):
-            return None, said
-        return self.first_failing([command for name, commands in self.rooms.items() if name != room
-                                   for command in commands]), ""
-
-
-def examine(tests, mutant):
-    """Who notices the fault; nothing when nobody does."""
-    file = TREE / mutant.file
-    original = file.read_text()
-    file.write_text(original.replace(mutant.original, mutant.replacement))
-    parts = pathlib.Path(mutant.file).parts
-    try:
-        failed, said = tests.notice("cli" if parts[0] == "cli" else parts[1])
-    finally:
-        file.write_text(original)
-    if failed is None:
-        die(f"line {mutant.line} does not compile with its fault:\n{said}")
-    return failed
 
 
 def main():
@@ -213,17 +209,30 @@ def main():
     TREE.mkdir(parents=True, exist_ok=True)
     copy_tree()
     configure()
-    if said := build(arguments.jobs):
-        die(f"does not build without a fault:\n{said}")
     tests = Tests(arguments.jobs)
-    tests.learn()
     counts = collections.Counter()
-    for mutant in mutants:
-        failed = examine(tests, mutant)
-        state = "noticed" if failed else "explained" if mutant.explanation else "NOT NOTICED"
+
+    def tell(state, mutant, why):
         counts[state] += 1
-        print(f"{state:<12}{mutant.file}: {mutant.effect} ({failed or mutant.explanation or 'by no fast test'})",
-              flush=True)
+        print(f"{state:<12}{mutant.file}: {mutant.effect} ({why})", flush=True)
+
+    left = []
+    tests.learn(sorted({room_of(mutant) for mutant in mutants} & tests.rooms.keys()))
+    for mutant in mutants:
+        own = [room for room in tests.rooms if room == room_of(mutant)]
+        if failed := own and tests.notice(mutant, own):
+            tell("noticed", mutant, failed)
+        else:
+            left.append(mutant)
+    if left:
+        tests.learn(list(tests.rooms))
+    for mutant in left:
+        if failed := tests.notice(mutant, [room for room in tests.rooms if room != room_of(mutant)]):
+            tell("noticed", mutant, failed)
+        elif mutant.explanation:
+            tell("explained", mutant, mutant.explanation)
+        else:
+            tell("NOT NOTICED", mutant, "by no fast test")
     print(f"{len(mutants)} faults: " + ", ".join(f"{counts[state]} {state.lower()}"
                                                for state in ("noticed", "explained", "NOT NOTICED")))
     return 1 if counts["NOT NOTICED"] else 0
