@@ -227,7 +227,8 @@ inline constexpr std::string_view kGetObjectContent[] = {
 
 // result, and behind 1 number and generation
 inline constexpr std::string_view kIsReference2[] = {
-    "12 0 R -> 1 12 0", " 1.5 0 Rx -> 1 0 0", "12 R -> 0", "12 0R -> 0", "[12 0 R -> 0",
+    "12 0 R -> 1 12 0",   " 1.5 0 Rx -> 1 0 0",   "12 R -> 0",    "12 0R -> 0",   "[12 0 R -> 0",
+    "1 2 R 3 R -> 1 1 2", "\n12\n0\nR -> 1 12 0", "1 0 2 R -> 0", "A 1 0 R -> 0", "1 0 [R -> 0",
 };
 
 // the same; what is not read stays -1

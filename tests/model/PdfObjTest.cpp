@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "support/LogCapture.h"
 #include "varnpdf/ByteStream.h"
 
 namespace {
@@ -21,46 +20,6 @@ void setText(CPdfObj& obj, std::string_view text) {
 
 std::string textOf(CPdfObj& obj) {
     return {reinterpret_cast<const char*>(obj.GetContent()), static_cast<std::size_t>(obj.GetContentLen())};
-}
-
-TEST(PdfObj, NewRecord) {
-    CPdfObj obj;
-    EXPECT_EQ(obj.GetObjNum(), -1);
-    EXPECT_EQ(obj.GetGenNumber(), -1);
-    EXPECT_EQ(obj.GetFromPos(), -1);
-    EXPECT_EQ(obj.GetToPos(), -1);
-    EXPECT_EQ(obj.GetContentLen(), 0);
-    EXPECT_EQ(obj.GetContent(), nullptr);
-    EXPECT_EQ(obj.get_dictionary_type(), nullptr);
-    EXPECT_EQ(obj.GetObjectType(), CPdfObj::eContentUndefined);
-    EXPECT_FALSE(obj.IsInUse());
-    EXPECT_TRUE(obj.GetStatus());
-    EXPECT_FALSE(obj.GetIsCompressed());
-    EXPECT_EQ(obj.GetiDecodeParms_Predictor(), 1);
-    EXPECT_TRUE(obj.GetbHasDecodeParms_Predictor());
-    EXPECT_EQ(obj.GetiDecodeParms_Colums(), 0);
-    EXPECT_FALSE(obj.GetbHasDecodeParms_Colums());
-}
-
-TEST(PdfObj, SettersWithRules) {
-    CPdfObj obj(7, 1, 100, 200);
-    EXPECT_EQ(obj.GetObjNum() + obj.GetGenNumber() + obj.GetFromPos() + obj.GetToPos(), 308);
-    obj.SetInUseKeyword('n');
-    obj.SetInUseKeyword('x');
-    EXPECT_TRUE(obj.IsInUse());
-    obj.SetInUseKeyword('f');
-    EXPECT_FALSE(obj.IsInUse());
-    for (int predictor = -1; predictor <= 17; ++predictor) {
-        obj.SetiDecodeParms_Predictor(predictor);
-        EXPECT_EQ(obj.GetiDecodeParms_Predictor(), predictor);
-        const bool known = predictor == 1 || predictor == 2 || (predictor >= 10 && predictor <= 15);
-        EXPECT_EQ(obj.GetbHasDecodeParms_Predictor(), known) << predictor;
-    }
-    for (const int columns : {-1, 0, 5}) {
-        obj.SetiDecodeParms_Colums(columns);
-        EXPECT_EQ(obj.GetiDecodeParms_Colums(), columns);
-        EXPECT_EQ(obj.GetbHasDecodeParms_Colums(), columns >= 0) << columns;
-    }
 }
 
 TEST(PdfObj, TakesAndDropsText) {
@@ -196,18 +155,6 @@ TEST(PdfObj, CheckObjectType) {
         CPdfObj obj;
         std::string text = row.text;
         EXPECT_EQ(obj.check_object_type(text.data(), static_cast<int>(text.size())), row.type) << row.text;
-    }
-}
-
-TEST(PdfObj, CheckObjectTypeLogsItsStates) {
-    const varnpdf::test::LogCapture log("VarnPDF.CPdfObj");
-    CPdfObj obj;
-    std::string text = "1 0 obj [1]";
-    obj.check_object_type(text.data(), static_cast<int>(text.size()));
-    for (const char* message :
-         {"check_object_type", "State 0: Suche nach ObjNr", "State 1: Einlesen ObjNr", "State 2: Suche nach GenNr",
-          "State 3: GenNr einlesen", "State 4: suche nach 'obj'", "State 5:  'obj' einlesen"}) {
-        EXPECT_TRUE(log.has(message)) << message;
     }
 }
 

@@ -3,7 +3,6 @@
 
 #include "tests/signing/Signing.h"
 #include "varnpdf/PdfHelper.h"
-#include "varnpdf/PdfLockInfo.h"
 
 namespace {
 
@@ -66,14 +65,6 @@ TEST(CheckThis, Table) {
         {"a\\\\", 9, 0}, {"\\\\)", 9, -1006}, {"((\\))", 9, -1006}, {"((\\)))", 9, 0},  {"a", -1, -1005},
     };
     for (const auto& [text, max, code] : rows) EXPECT_EQ(CPdfHelper::CheckThis(text, max), code) << (text ? text : "0");
-}
-
-TEST(LockInfo, OnlyOneLocks) {
-    CPdfLockInfo lock;
-    for (const int use : {0, 1, 2}) {
-        lock.set_use_locking(use);
-        EXPECT_EQ(lock.get_use_locking(), use == 1);
-    }
 }
 
 TEST(Lookup, FormFieldsAndPositions) {

@@ -9,7 +9,6 @@
 #include <memory>
 
 #include "tests/signing/Signing.h"
-#include "tests/support/LogCapture.h"
 
 namespace {
 
@@ -51,20 +50,6 @@ TEST(SaveSignature, FilesFromOnePreparation) {
         EXPECT_EQ(file.substr(sign.GetContentsOffset(), hex.size()), hex);
         EXPECT_EQ(std::string(file).erase(sign.GetContentsOffset(), hex.size()), bytes);
     }
-}
-
-TEST(SaveSignature, LogsItsSteps) {
-    CPdfSign sign;
-    TempFile target;
-    std::string path = target.path();
-    unsigned char value[] = {1};
-    LogCapture log("VarnPDF.CPdfSign");
-    ASSERT_EQ(sign.SaveSignature(path.data(), value, 1, kRoom), 0);
-    const std::vector<std::string> expected = {
-        "entering CPdfSign::SaveSignature", "CPdfSign::SaveSignature: write data to pcSignedFile:" + path,
-        "entering CPdfSign::buildSignContent", "leaving CPdfSign::buildSignContent",
-        "leaving CPdfSign::SaveSignature: 0"};
-    EXPECT_EQ(log.messages(), expected);
 }
 
 TEST(SaveSignature, Failures) {

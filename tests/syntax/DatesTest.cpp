@@ -115,15 +115,6 @@ TEST(CompleteDate, OfPdfAndIso8601) {
     EXPECT_EQ(varnpdf::completePdfDate("2026-07-15 02:33"), "D:20260715023300+02'00'");
 }
 
-TEST(PdfDate, Now) {
-    const Zone zone(kBerlin);
-    Out out(24);
-    const std::string before = varnpdf::pdfDate(std::time(nullptr));
-    EXPECT_EQ(CPdfHelper::NowPDF(out), 0);
-    EXPECT_LE(before, shown(out));
-    EXPECT_LE(shown(out), varnpdf::pdfDate(std::time(nullptr)));
-}
-
 TEST(TimeStruct, ZoneSuffix) {
     const Zone zone("UTC0");
     const struct {

@@ -1,8 +1,6 @@
 // References, arrays of references, brackets and hexadecimal values.
 #include "syntax/Reference.h"
 
-#include <random>
-
 #include "syntax/Readers.h"
 #include "syntax/Text.h"
 #include "tests/syntax/Rows.h"
@@ -11,35 +9,6 @@
 namespace {
 
 using varnpdf::ObjectRef;
-
-/// The rule step by step: look for the first R of the text, cut there, read two numbers.
-std::optional<ObjectRef> referenceStepByStep(const std::string& text) {
-    const std::size_t keyword = text.find('R');
-    if (text.starts_with('[') || keyword == std::string::npos) return std::nullopt;
-    const std::string cut = text.substr(0, keyword + 1);
-    const auto first = varnpdf::readNumber(cut, cut.size());
-    if (!first) return std::nullopt;
-    const std::string behind = cut.substr(first->end);
-    const auto second = varnpdf::readNumber(behind, behind.size());
-    if (!second) return std::nullopt;
-    const std::size_t at = second->end + varnpdf::skipWhitespaces(behind.substr(second->end));
-    if (at >= behind.size() || behind[at] != 'R') return std::nullopt;
-    return ObjectRef{first->isFloat ? 0 : first->integer, second->isFloat ? 0 : second->integer};
-}
-
-TEST(IsReference2, EqualsTheStepwiseRule) {
-    std::mt19937 random(11);
-    const std::string pieces[] = {"1", "0", "12", " ", " ", " ", "R", "R", ".", "/", "[", "]", "\n", "A", "-"};
-    int references = 0;
-    for (int round = 0; round < 500000; ++round) {
-        std::string text;
-        for (std::size_t count = random() % 10; count > 0; --count) text += pieces[random() % std::size(pieces)];
-        const auto want = referenceStepByStep(text);
-        ASSERT_EQ(varnpdf::isReference2(text), want) << text;
-        references += want ? 1 : 0;
-    }
-    EXPECT_GT(references, 500);
-}
 
 TEST(IsReference, ScanningIsLenient) {
     EXPECT_EQ(varnpdf::isReference("/P 12"), ObjectRef{}) << "what cannot be read counts 0 inside";

@@ -173,18 +173,6 @@ TEST(Document, IsNotWrittenWithAGap) {
     EXPECT_EQ(pdf.GetXRefStartPos(), 77);
 }
 
-TEST(Document, TableOfNone) {
-    CPdf pdf;
-    EXPECT_EQ(pdf.WriteObjArrayToContent(), 0);
-    EXPECT_EQ(pdf.WriteXrefToContent(), 0);
-    pdf.SetRootObjNum(5);
-    pdf.SetXRefStartPos(7);
-    pdf.WriteTrailerToContent(1, "<00>");
-    EXPECT_EQ(contentOf(pdf),
-              "xref\r\n0 1\r\n0000000000 65535 f\r\ntrailer\r\n<<\r\n\t/size 1 \r\n\t/Root 5 0 R\r\n"
-              "\t/ID [<00> <00>]\r\n>>\r\nstartxref\r\n7\r\n%%EOF\r\n");
-}
-
 TEST(Catalogue, EntriesInOrder) {
     CPdf pdf;
     EXPECT_EQ(pdf.GetIdent(), "");
