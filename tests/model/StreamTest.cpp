@@ -78,6 +78,9 @@ TEST(Lookup, FollowsReferences) {
     EXPECT_EQ(realOf(objects.document, "11 0 R"), -12.5);
     EXPECT_EQ(integerOf(objects.document, "4 0 R"), std::nullopt);
     EXPECT_EQ(entryOf(objects.document, "<< /N << /K 1 >> /K 11 0 R >>", "/K"), "-12.5");
+    const Objects chain({"2 0 R", "3 0 R", "4 0 R", "5 0 R", "6 0 R", "7 0 R", "8 0 R", "(end)"});
+    EXPECT_EQ(resolved(chain.document, "2 0 R"), "(end)");
+    EXPECT_EQ(resolved(chain.document, "1 0 R"), "") << "a chain too long";
 }
 
 TEST(Stream, DataSpan) {
