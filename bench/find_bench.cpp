@@ -17,7 +17,9 @@ using namespace varnpdf::bench;
 
 namespace {
 
-constexpr double kFindGoal = 60;
+// The pages pack to a fiftieth, so that inflating costs next to nothing: what counts is that the ratio stays the same
+// for ten times the pages.
+constexpr double kFindGoal = 200;
 constexpr int kLines = 60;
 
 std::string pageContent(int page) {

@@ -52,22 +52,44 @@ Vector directionOf(const PlacedGlyph& glyph) {
     return dot(right, glyph.advance) < 0 ? Vector{0, 0} - right : right;
 }
 
-Item itemOf(const PlacedGlyph& glyph) {
+/// The directions of lines in which places are measured: the same for a whole class, so that they can be compared.
+struct Axes {
+    int turn = 0;
+    Vector along;
+    Vector across;
+    double size = 0;
+};
+
+Axes axesOf(const PlacedGlyph& glyph) {
     const Vector direction = directionOf(glyph);
     const double angle = std::atan2(direction.y, direction.x) / (2 * std::numbers::pi);
     const int turns = static_cast<int>(kTurns);
     const int turn = (static_cast<int>(std::lround(angle * kTurns)) + turns) % turns;
-    // Places are measured in the direction of the whole class, so that they can be compared.
     const double exact = turn / kTurns * 2 * std::numbers::pi;
     const Vector along{std::cos(exact), std::sin(exact)};
-    const Vector across{-along.y, along.x};
-    return {&glyph,
-            turn,
-            dot(glyph.baseline, across),
-            dot(glyph.origin, along),
-            std::abs(dot(glyph.advance, along)),
-            lengthOf(glyph.up)};
+    return {turn, along, {-along.y, along.x}, lengthOf(glyph.up)};
 }
+
+/// Places glyphs on their lines. Most stand as the one before, so that its axes serve again.
+class Measure {
+public:
+    Item itemOf(const PlacedGlyph& glyph) {
+        const bool same = last_ != nullptr && last_->up.x == glyph.up.x && last_->up.y == glyph.up.y &&
+                          last_->vertical == glyph.vertical && dot(last_->advance, glyph.advance) > 0;
+        if (!same) axes_ = axesOf(glyph);
+        last_ = &glyph;
+        return {&glyph,
+                axes_.turn,
+                dot(glyph.baseline, axes_.across),
+                dot(glyph.origin, axes_.along),
+                std::abs(dot(glyph.advance, axes_.along)),
+                axes_.size};
+    }
+
+private:
+    const PlacedGlyph* last_ = nullptr;
+    Axes axes_;
+};
 
 bool isSound(const PlacedGlyph& glyph) {
     constexpr double kFar = 1e7;
@@ -193,7 +215,8 @@ std::vector<TextLine> linesOf(std::vector<PlacedGlyph> glyphs) {
     std::erase_if(glyphs, [](const PlacedGlyph& glyph) { return !isSound(glyph) || glyph.text.empty(); });
     std::vector<Item> items;
     items.reserve(glyphs.size());
-    for (const PlacedGlyph& glyph : glyphs) items.push_back(itemOf(glyph));
+    Measure measure;
+    for (const PlacedGlyph& glyph : glyphs) items.push_back(measure.itemOf(glyph));
     std::ranges::stable_sort(
         items, [](const Item& a, const Item& b) { return a.turn != b.turn ? a.turn < b.turn : a.across > b.across; });
     std::vector<TextLine> lines;
