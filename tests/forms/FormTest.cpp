@@ -119,6 +119,21 @@ TEST(Form, AppearancesKeepWhatIsAroundTheText) {
     }
 }
 
+TEST(Form, TurnedFieldsAreLaidOutUpright) {
+    const std::string rows[][2] = {
+        {"0", "/BBox [0 0 100 20]\r\n/Resources"},
+        {"90", "/BBox [0 0 20 100]\r\n/Matrix [0 1 -1 0 100 0]"},
+        {"180", "/BBox [0 0 100 20]\r\n/Matrix [-1 0 0 -1 100 20]"},
+        {"-90", "/BBox [0 0 20 100]\r\n/Matrix [0 -1 1 0 0 20]"},
+    };
+    for (const auto& [rotation, frame] : rows) {
+        PdfBuilder pdf = formDocument("5 0 R", "5 0 R");
+        pdf.object(5, "<< /Subtype /Widget /FT /Tx /T (a) /Rect [10 10 110 30] /MK << /R " + rotation + " >> >>");
+        const Filled filled(pdf.table().bytes(), {{"a", "x"}});
+        EXPECT_NE(filled.update.find(frame), std::string::npos) << rotation << filled.update;
+    }
+}
+
 TEST(Form, FontsThatLackACharacterAreReplaced) {
     struct Row {
         const char *appearance, *value, *font, *shown;
