@@ -74,7 +74,7 @@ void readObjects(const Subject& s) {
     const Room object(s.room());
     end = 0;
     const int result = CPdfHelper::ReadObject(s.in(), object.data(), &kind, &end);
-    // The length of "true" behind white space counts the terminator: hosts know it so.
+    // The length of "true" behind white space counts the terminator: the interface fixes that.
     s.found(result, kind == 1 && end == s.size() + 1 ? s.size() : end, object);
     check(kind >= 0 && kind <= 9 && (result == 1 || end == 0),
           "an object has a kind, and a length when it can be read");

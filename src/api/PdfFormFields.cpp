@@ -99,7 +99,7 @@ void FieldReader::readFonts(const CPdfObj& holder) {
     }
 }
 
-// The last slot is not visited: hosts know the numbers that this gives.
+// The last slot is not visited: the interface counts fields without it.
 void FieldReader::readFields(int slots) {
     document_.objects.forEach(slots - 2, [&](int slot, CPdfObj& obj) {
         if (slot > 0 && !obj.content().empty()) readField(obj);

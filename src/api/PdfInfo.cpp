@@ -52,7 +52,7 @@ int CPdfInfo::GetSignatureField(char const* file, int index, int tag, char* buff
     return guarded([=]() -> int {
         CPdf pdf;
         if (const int code = pdf.Open(file, "rb"); code != VARNPDF_OK) return code;
-        // What became of the value shows in its length; hosts rely on the 0.
+        // What became of the value shows in its length; the interface fixes the 0.
         const int code = pdf.GetSignatureField(index, tag, buffer, length);
         return code == VARNPDF_PDF_MEMORY_ALLOCATION ? code : VARNPDF_OK;
     });

