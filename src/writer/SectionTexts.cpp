@@ -206,7 +206,8 @@ std::string objectText(int number, int generation, std::string_view content) {
     const bool hasHeader = oldNumber && oldGeneration && header.rest().starts_with("obj");
     std::string out;
     out.reserve(content.size() + 32);
-    if (!hasHeader || (oldNumber == number && oldGeneration == generation)) {
+    const bool isSet = number > 0 && generation >= 0;
+    if (!hasHeader || !isSet || (oldNumber == number && oldGeneration == generation)) {
         append(out, content);
     } else {
         append(out, number, ' ', generation, ' ', header.rest());

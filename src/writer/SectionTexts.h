@@ -64,7 +64,7 @@ std::string indexText(const CPdfXRefContainer& xrefs);
 std::optional<std::string> deflated(std::string_view bytes);
 
 /// An object's text with the header that its entry promises, ended by a line end. Text read from a file may stop at
-/// "endobj" or carry another number in its header.
+/// "endobj" or carry another number in its header, which stays where number or generation is not set (-1).
 std::string objectText(int number, int generation, std::string_view content);
 
 }  // namespace varnpdf

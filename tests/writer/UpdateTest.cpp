@@ -110,6 +110,7 @@ TEST(Update, ObjectsAreRecordedAtTheirOffsets) {
 TEST(Update, ObjectText) {
     const struct {
         std::string_view content, text;
+        int number = 7, generation = 2;
     } rows[] = {
         {"7 2 obj\n5\nendobj\n", "7 2 obj\n5\nendobj\n"},
         {"\n7 2 obj 5 endobj", "7 2 obj 5 endobj\r\n"},
@@ -118,8 +119,14 @@ TEST(Update, ObjectText) {
         {"7  0\nobj 5 endobj\n", "7 2 obj 5 endobj\n"},
         {"<< /T (9 0 obj) >>\n", "<< /T (9 0 obj) >>\n"},
         {"", "\r\n"},
+        {"8 0 obj 5 endobj\n", "8 0 obj 5 endobj\n", -1, -1},
+        {"8 0 obj 5 endobj\n", "8 0 obj 5 endobj\n", 0},
+        {"8 0 obj 5 endobj\n", "8 0 obj 5 endobj\n", 7, -1},
+        {"8 0 obj 5 endobj\n", "1 0 obj 5 endobj\n", 1, 0},
     };
-    for (const auto& [content, text] : rows) EXPECT_EQ(varnpdf::objectText(7, 2, content), text) << content;
+    for (const auto& [content, text, number, generation] : rows) {
+        EXPECT_EQ(varnpdf::objectText(number, generation, content), text) << number << ' ' << content;
+    }
 }
 
 TEST(Update, StreamFieldsAreWidenedOnly) {
