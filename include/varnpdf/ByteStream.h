@@ -7,7 +7,7 @@
 #include "varnpdf/export.h"
 
 /// Growable byte buffer with a write position. When an append does not fit, the buffer grows to what is needed plus
-/// 20000 bytes. Not copyable; one thread at a time.
+/// 20000 bytes. Not copyable; one thread at a time. The constructor and `init` throw std::bad_alloc without memory.
 class VARNPDF_EXPORT CByteStream {
 public:
     /// An empty stream with 20000 zeroed bytes of room.
@@ -19,9 +19,10 @@ public:
     /// Starts anew with 20000 bytes of (uncleared) room and remembers `oldSize`, the length of the document that an
     /// update extends.
     void init(unsigned int oldSize);
-    /// Writes `n` bytes at the write position and moves it on. Returns 0.
+    /// Writes `n` bytes at the write position and moves it on. 0, or VARNPDF_PDF_MEMORY_ALLOCATION (-1014) with nothing
+    /// written: without memory, or beyond 4 GB.
     int append(unsigned char* p, unsigned int n);
-    /// Appends a NUL-terminated text without its terminator. Returns 0.
+    /// Appends a NUL-terminated text without its terminator. 0 or -1014 likewise.
     int print(char* s);
     /// The buffer; valid until the next append or init. Owned by the stream.
     [[nodiscard]] unsigned char* data();

@@ -15,6 +15,10 @@ class CFontObj;
 ///
 /// An object that was read from a document borrows its text from the document's buffer until it is changed, copied or
 /// asked for a terminated `GetContent()`. It must not outlive that document.
+///
+/// Without memory an object stays as it is. A member that returns a pointer returns null then, an edit whose result is 1
+/// or 0 returns 0, one with result codes VARNPDF_PDF_MEMORY_ALLOCATION (-1014). The others that make or edit text throw
+/// std::bad_alloc.
 class VARNPDF_EXPORT CPdfObj {
 public:
     /// Result of classification.

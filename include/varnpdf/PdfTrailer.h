@@ -8,7 +8,8 @@
 #include "varnpdf/export.h"
 
 /// A trailer, from a classic "trailer" dictionary or from a cross-reference stream. The object's text is the raw text
-/// of the section.
+/// of the section. Whatever makes, keeps or reads one of its own texts throws std::bad_alloc without memory and leaves
+/// the trailer as it is.
 class VARNPDF_EXPORT CPdfTrailer : public CPdfObj {
 public:
     /// Room of the text buffers in bytes, terminator included.

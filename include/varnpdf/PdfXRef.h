@@ -28,7 +28,8 @@ private:
     int IsFree = 0;
 };
 
-/// A run of consecutive object numbers: entry i describes object RefStart + i.
+/// A run of consecutive object numbers: entry i describes object RefStart + i. Members that make or copy entries throw
+/// std::bad_alloc without memory and change nothing then; those of the container as well.
 class VARNPDF_EXPORT CPdfXRef {
 public:
     CPdfXRef();

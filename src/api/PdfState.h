@@ -1,11 +1,13 @@
 // What stands behind a CPdf: the document, and what a host keeps beside it.
 #pragma once
 
+#include <new>
 #include <string>
 
 #include "reader/Open.h"
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Pdf.h"
+#include "varnpdf/result.h"
 #include "writer/NewDocument.h"
 
 namespace varnpdf {
@@ -20,16 +22,32 @@ struct PdfState : NewDocument {
     int signatureCount = 0;
     int fieldCounter = 0;
     bool etsiSubFilter = false;
+    bool incomplete = false;  ///< reading ended early, for lack of memory: what is held is not the whole document
 };
 
 /// The way from the exported class to what it stands for.
 struct Access {
     static PdfState& state(CPdf& pdf) noexcept { return *pdf.state_; }
 };
+/// Throws std::bad_alloc when the text does not fit.
 inline void print(PdfState& state, std::string_view text) {
     auto* const bytes = reinterpret_cast<unsigned char*>(const_cast<char*>(text.data()));
-    state.output.append(bytes, static_cast<unsigned int>(text.size()));
+    if (state.output.append(bytes, static_cast<unsigned int>(text.size())) != VARNPDF_OK) throw std::bad_alloc();
 }
+/// Takes back what is printed from here on, unless it is kept.
+class Printed {
+public:
+    explicit Printed(PdfState& state) noexcept : output_(state.output), begin_(output_.tell()) {}
+    Printed(const Printed&) = delete;
+    Printed& operator=(const Printed&) = delete;
+    ~Printed() { output_.setseek(kept_ ? output_.tell() : begin_); }
+    void keep() noexcept { kept_ = true; }
+
+private:
+    CByteStream& output_;
+    unsigned int begin_;
+    bool kept_ = false;
+};
 /// The place in the resulting file where the output goes on in tail mode.
 inline std::size_t filePosition(const PdfState& state) noexcept {
     return std::size_t{state.output.getoldcontentsize()} + state.output.tell();

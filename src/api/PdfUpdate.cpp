@@ -7,11 +7,24 @@
 
 using namespace varnpdf;
 
+namespace {
+
+void write(PdfState& state, CPdfXRefContainer& xrefs, const CPdfObj& obj, int generation, std::size_t at) {
+    Printed printed(state);
+    print(state, objectText(obj.GetObjNum(), generation, obj.content()));
+    addObjectEntry(xrefs, obj.GetObjNum(), generation, at);
+    printed.keep();
+}
+
+}  // namespace
+
 void CPdf::ResetByteStream(unsigned int size) { state_->output.init(size); }
 
 int CPdf::WriteOld2ByteStream() {
-    print(*state_, state_->document.view());
-    return 0;
+    return guarded([this]() -> int {
+        print(*state_, state_->document.view());
+        return VARNPDF_OK;
+    });
 }
 
 const char* CPdf::GetByteStream() const { return reinterpret_cast<const char*>(state_->output.data()); }
@@ -19,29 +32,34 @@ int CPdf::GetByteStreamLen() const { return static_cast<int>(state_->output.tell
 
 void CPdf::WriteTextAnnotation(CPdfTrailer* /*trailer*/, CPdfXRefContainer* xrefs, CPdfObj* obj) {
     if (xrefs == nullptr || obj == nullptr) return;
-    addObjectEntry(*xrefs, obj->GetObjNum(), obj->GetGenNumber(), state_->output.tell());
-    print(*state_, objectText(obj->GetObjNum(), obj->GetGenNumber(), obj->content()));
+    write(*state_, *xrefs, *obj, obj->GetGenNumber(), state_->output.tell());
 }
 
-// What is written comes first: bytes that no entry names do no harm, an entry without its object does.
 int CPdf::WriteContent(CPdfXRefContainer* xrefs, CPdfObj* obj, bool tailMode) {
     if (xrefs == nullptr || obj == nullptr) return VARNPDF_UPDATE_OBJECT_MISSING;
     if (obj->GetObjNum() < 1 || obj->content().empty()) return VARNPDF_UPDATE_OBJECT_MISSING;
     return guarded([&]() -> int {
         const int generation = std::max(obj->GetGenNumber(), 0);
-        const std::size_t at = tailMode ? filePosition(*state_) : state_->output.tell();
-        print(*state_, objectText(obj->GetObjNum(), generation, obj->content()));
-        addObjectEntry(*xrefs, obj->GetObjNum(), generation, at);
+        write(*state_, *xrefs, *obj, generation, tailMode ? filePosition(*state_) : state_->output.tell());
         return VARNPDF_OK;
     });
 }
 
 int CPdf::WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode) {
     if (xrefs == nullptr || trailer == nullptr) return 0;
-    const std::size_t section = tailMode ? filePosition(*state_) : state_->output.tell();
-    trailer->SetXRef(static_cast<int>(section));
-    print(*state_, crossReferenceTable(*xrefs));
-    trailer->UpdateId(renewId);
-    print(*state_, trailerText(*trailer, section));
-    return 0;
+    std::string oldId;
+    const int code = guarded([&]() -> int {
+        Printed printed(*state_);
+        const std::size_t section = tailMode ? filePosition(*state_) : state_->output.tell();
+        print(*state_, crossReferenceTable(*xrefs));
+        oldId = trailer->id();
+        trailer->setId(oldId);  // has room from now on: going back to it cannot fail
+        trailer->UpdateId(renewId);
+        print(*state_, trailerText(*trailer, section));
+        trailer->SetXRef(static_cast<int>(section));
+        printed.keep();
+        return VARNPDF_OK;
+    });
+    if (code != VARNPDF_OK && !oldId.empty()) trailer->setId(oldId);
+    return code;
 }

@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <stdexcept>
+
+#include "support/Guarded.h"
 
 namespace {
 
@@ -33,14 +34,16 @@ void CByteStream::init(unsigned int oldSize) {
 }
 
 int CByteStream::append(unsigned char* p, unsigned int n) {
-    const std::size_t needed = std::size_t{size_} + n;
-    if (needed > capacity_) {
-        if (needed > std::numeric_limits<unsigned int>::max() - kHeadroom) throw std::length_error("CByteStream");
-        makeRoom(needed + kHeadroom);
-    }
-    if (n > 0) std::memcpy(data_.get() + size_, p, n);
-    size_ += n;
-    return 0;
+    return varnpdf::guarded([&]() -> int {
+        const std::size_t needed = std::size_t{size_} + n;
+        if (needed > capacity_) {
+            if (needed > std::numeric_limits<unsigned int>::max() - kHeadroom) return VARNPDF_PDF_MEMORY_ALLOCATION;
+            makeRoom(needed + kHeadroom);
+        }
+        if (n > 0) std::memcpy(data_.get() + size_, p, n);
+        size_ += n;
+        return VARNPDF_OK;
+    });
 }
 
 // The capacity that is told grows by the headroom; what is allocated doubles, so that many small appends to a large

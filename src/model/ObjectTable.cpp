@@ -7,8 +7,9 @@ namespace varnpdf {
 
 bool ObjectTable::insert(int slot, std::unique_ptr<CPdfObj>& object) {
     if (find(slot) != nullptr) return false;
-    inserted_.push_back(std::move(object));
-    place(slot, *inserted_.back());
+    inserted_.emplace_back();
+    place(slot, *object);
+    inserted_.back() = std::move(object);  // behind all that can fail: until then it is the caller's
     return true;
 }
 

@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "model/DictionaryEntry.h"
+#include "support/Guarded.h"
 #include "support/Loggers.h"
 
 using namespace varnpdf;
@@ -79,6 +81,8 @@ void CPdfObj::Init() {
 void CPdfObj::CopyFrom(CPdfObj* other) {
     if (other == nullptr || other == this) return;
     rememberDictionaryTypes();
+    assign(other->content());
+    contentLen_ = other->contentLen_;
     objNum_ = other->objNum_;
     genNum_ = other->genNum_;
     fromPos_ = other->fromPos_;
@@ -86,8 +90,6 @@ void CPdfObj::CopyFrom(CPdfObj* other) {
     inUseKeyword_ = other->inUseKeyword_;
     status_ = other->status_;
     objectType_ = other->objectType_;
-    assign(other->content());
-    contentLen_ = other->contentLen_;
 }
 
 CPdfObj& CPdfObj::operator=(CPdfObj& other) {
@@ -101,12 +103,12 @@ void CPdfObj::SetPosition(int from, int to) {
 }
 
 unsigned char* CPdfObj::GetContent() {
-    if (text_ == nullptr) return nullptr;
-    if (!owned_) {
-        auto copy = std::make_unique_for_overwrite<unsigned char[]>(static_cast<std::size_t>(storedLen_) + 1);
-        std::memcpy(copy.get(), text_, static_cast<std::size_t>(storedLen_));
-        copy[static_cast<std::size_t>(storedLen_)] = 0;
-        owned_ = std::move(copy);
+    if (text_ != nullptr && !owned_) {
+        const auto length = static_cast<std::size_t>(storedLen_);
+        owned_.reset(new (std::nothrow) unsigned char[length + 1]);
+        if (!owned_) return nullptr;
+        std::copy_n(text_, length, owned_.get());
+        owned_[length] = 0;
         text_ = reinterpret_cast<const char*>(owned_.get());
     }
     return owned_.get();
@@ -138,13 +140,17 @@ void CPdfObj::SetiDecodeParms_Predictor(int predictor) {
 }
 
 char* CPdfObj::get_dictionary_type() {
-    rememberDictionaryTypes();
-    return dictionaryType_.get();
+    return guardedOr(static_cast<char*>(nullptr), [this] {
+        rememberDictionaryTypes();
+        return dictionaryType_.get();
+    });
 }
 
 char* CPdfObj::get_dictionary_subtype() {
-    rememberDictionaryTypes();
-    return dictionarySubtype_.get();
+    return guardedOr(static_cast<char*>(nullptr), [this] {
+        rememberDictionaryTypes();
+        return dictionarySubtype_.get();
+    });
 }
 
 void CPdfObj::SetContent(unsigned char* text, int len) {

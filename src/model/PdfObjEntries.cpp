@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "model/DictionaryEntry.h"
+#include "support/Guarded.h"
 #include "support/Text.h"
 #include "syntax/Text.h"
 #include "varnpdf/PdfObj.h"
@@ -60,35 +61,43 @@ int CPdfObj::ReadDictionaryEntry(const char* key, char* out, int* keyPos, int* e
 }
 
 int CPdfObj::AddDictionaryEntry(char* entry) {
-    const std::string_view text = content();
-    const std::size_t at = text.rfind(">>");
-    if (at == std::string_view::npos) return 0;
-    const std::string_view added = viewOf(entry);
-    const bool endsLine = !added.empty() && isEol(added.back());
-    std::string built;
-    built.reserve(text.size() + added.size() + 2);
-    append(built, text.substr(0, at), added, endsLine ? "" : "\r\n", text.substr(at));
-    setContent(built);
-    return 1;
+    return guardedOr(0, [&] {
+        const std::string_view text = content();
+        const std::size_t at = text.rfind(">>");
+        if (at == std::string_view::npos) return 0;
+        const std::string_view added = viewOf(entry);
+        const bool endsLine = !added.empty() && isEol(added.back());
+        std::string built;
+        built.reserve(text.size() + added.size() + 2);
+        append(built, text.substr(0, at), added, endsLine ? "" : "\r\n", text.substr(at));
+        setContent(built);
+        return 1;
+    });
 }
 
 int CPdfObj::AddDictionaryEntry(const char* key, const char* value) {
-    std::string entry = varnpdf::text(viewOf(key), " ", viewOf(value), "\r\n");
-    return AddDictionaryEntry(entry.data());
+    return guardedOr(0, [&] {
+        std::string entry = varnpdf::text(viewOf(key), " ", viewOf(value), "\r\n");
+        return AddDictionaryEntry(entry.data());
+    });
 }
 
 int CPdfObj::DeleteDictionaryEntry(const char* key, int namesAsValues) {
     const auto entry = findLaterEntry(content(), viewOf(key), namesAsValues != 0);
     if (!entry) return 0;
-    splice(entry->key, std::max(entry->end, entry->value.end), {});
-    return 1;
+    return guardedOr(0, [&] {
+        splice(entry->key, std::max(entry->end, entry->value.end), {});
+        return 1;
+    });
 }
 
 int CPdfObj::ReplaceDictionaryEntry(const char* key, char* value) {
     const auto entry = endWithValue(content(), findLaterEntry(content(), viewOf(key)));
     if (!entry) return 0;
-    splice(entry->key, entry->end, varnpdf::text(viewOf(key), " ", viewOf(value)));
-    return 1;
+    return guardedOr(0, [&] {
+        splice(entry->key, entry->end, varnpdf::text(viewOf(key), " ", viewOf(value)));
+        return 1;
+    });
 }
 
 int CPdfObj::ReplaceTjValue(char* text) {
@@ -98,10 +107,13 @@ int CPdfObj::ReplaceTjValue(char* text) {
     while (at > 0 && isWhite(old[at - 1])) --at;
     const bool insideString = at > 0 && old[at - 1] == ')';
     if (insideString) --at;
-    std::string built;
-    append(built, old.substr(0, at), insideString ? "" : " (", viewOf(text), insideString ? "" : ")", old.substr(at));
-    setContent(built);
-    return 0;
+    return guarded([&]() -> int {
+        std::string built;
+        append(built, old.substr(0, at), insideString ? "" : " (", viewOf(text), insideString ? "" : ")",
+               old.substr(at));
+        setContent(built);
+        return VARNPDF_OK;
+    });
 }
 
 int CPdfObj::ReadFirstDictionaryEntry(char* text, int len, char* key, char* value, int* keyPos, int* valuePos,

@@ -88,7 +88,7 @@ public:
 
     bool set(std::string_view text) {
         if (text.size() >= room_) return false;
-        text_ = std::string(text);  // may be what the buffer holds
+        text_.assign(text);  // keeps its room; the text may be what the buffer holds
         if (buffer_) fillBuffer();
         return true;
     }

@@ -56,11 +56,13 @@ void CPdfXRef::Init() {
 }
 
 void CPdfXRef::SetRef(int start, int count) {
+    const int entries = std::max(count, 0);
+    auto made = std::make_unique<CPdfXRefEntry[]>(static_cast<std::size_t>(entries));
+    for (int i = 0; i < entries; ++i) made[static_cast<std::size_t>(i)].SetIsFree(1);
     ClearAll();
     RefStart = start;
-    RefNum = std::max(count, 0);
-    RefEntry = new CPdfXRefEntry[static_cast<std::size_t>(RefNum)];
-    for (int i = 0; i < RefNum; ++i) RefEntry[i].SetIsFree(1);
+    RefNum = entries;
+    RefEntry = made.release();
 }
 
 void CPdfXRef::AddEntry(CPdfXRefEntry entry) {
@@ -75,13 +77,17 @@ void CPdfXRef::AddEntry(CPdfXRefEntry entry) {
 
 void CPdfXRef::CopyFrom(CPdfXRef* other) {
     if (other == nullptr || other == this) return;
+    std::unique_ptr<CPdfXRefEntry[]> copy;
+    const int entries = other->RefEntry == nullptr ? 0 : std::max(other->RefNum, 0);
+    if (entries > 0) {
+        copy = std::make_unique<CPdfXRefEntry[]>(static_cast<std::size_t>(entries));
+        std::copy_n(other->RefEntry, entries, copy.get());
+    }
     ClearAll();
     RefStart = other->RefStart;
     IsFree = other->IsFree;
-    if (other->RefNum < 1 || other->RefEntry == nullptr) return;
-    RefEntry = new CPdfXRefEntry[static_cast<std::size_t>(other->RefNum)];
-    RefNum = other->RefNum;
-    std::copy_n(other->RefEntry, RefNum, RefEntry);
+    RefNum = entries;
+    RefEntry = copy.release();
 }
 
 void CPdfXRef::ClearAll() {
@@ -104,19 +110,17 @@ void CPdfXRefContainer::SetXRef(CPdfXRef* xrefs) {
 
 void CPdfXRefContainer::AddXRef(CPdfXRef* xref) {
     if (xref == nullptr) return;
+    CPdfXRef copy(*xref);  // it may be one of the container's
     // The room doubles: an update may have as many subsections as objects.
     if (XRefNum >= room_) {
-        const CPdfXRef copy(*xref);  // may be one of the container's
         const auto used = static_cast<std::size_t>(std::max(XRefNum, 0));
         auto grown = std::make_unique<CPdfXRef[]>(used * 2 + 1);
         for (std::size_t i = 0; i < used; ++i) grown[i].swap(XRef[i]);
         delete[] XRef;
         XRef = grown.release();
         room_ = static_cast<int>(used * 2 + 1);
-        XRef[XRefNum++].CopyFrom(const_cast<CPdfXRef*>(&copy));
-        return;
     }
-    XRef[XRefNum++] = *xref;
+    XRef[XRefNum++].swap(copy);
 }
 
 void CPdfXRefContainer::SortXRefList() {

@@ -88,18 +88,19 @@ std::optional<std::array<double, 4>> boxOf(const Document& document, std::string
 }
 
 const PageNode& pageNode(Document& document, const CPdfObj& obj) {
-    const auto [it, added] = document.caches.pageNodes.try_emplace(&obj);
-    if (!added) return it->second;
+    auto& known = document.caches.pageNodes;
+    if (const auto it = known.find(&obj); it != known.end()) return it->second;
     const std::string_view text = obj.content();
+    PageNode node;
     if (const auto value = lookUp(text, "/MediaBox")) {
-        it->second.box.emplace();
-        readBox(arrayText(*value, referencedObject(document, *value)), it->second.box->data());
-        it->second.media = boxOf(document, *value);
+        node.box.emplace();
+        readBox(arrayText(*value, referencedObject(document, *value)), node.box->data());
+        node.media = boxOf(document, *value);
     }
-    it->second.crop = boxOf(document, lookUpValue(text, "/CropBox"));
-    it->second.rotation = lookUpInt(text, "/Rotate");
-    it->second.parent = referencedObject(document, lookUpValue(text, "/Parent"));
-    return it->second;
+    node.crop = boxOf(document, lookUpValue(text, "/CropBox"));
+    node.rotation = lookUpInt(text, "/Rotate");
+    node.parent = referencedObject(document, lookUpValue(text, "/Parent"));
+    return known.emplace(&obj, node).first->second;
 }
 
 }  // namespace
@@ -148,10 +149,9 @@ const std::vector<CPdfObj*>& pagesBelow(Document& document, CPdfObj& root) {
     const std::uint64_t revision = document.objects.revision();
     if (!pages || pages->root != &root || pages->revision != revision) {
         document.caches.pageNodes.clear();
-        pages.emplace();
-        pages->root = &root;
-        pages->revision = revision;
-        walkTree(document, kidsOf(document, root), &root, isPage, pages->objects);
+        ObjectList found{&root, revision, {}};
+        walkTree(document, kidsOf(document, root), &root, isPage, found.objects);
+        pages = std::move(found);
     }
     return pages->objects;
 }
