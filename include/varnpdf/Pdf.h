@@ -26,6 +26,10 @@ struct SigPosStruct;
 
 /// One document. Construct, `Open` (or `ParseContent`), read; `Close` or destroy at the end. A `CPdf` is used for one
 /// document and by one thread at a time; different documents may be used by different threads at the same time.
+///
+/// Without memory a member with result codes returns VARNPDF_PDF_MEMORY_ALLOCATION (-1014), one that returns a pointer,
+/// a bool, a position or an index what it returns when there is nothing. Constructor, members without a result and those
+/// that return a std::string throw std::bad_alloc. Nothing is changed then, but sections may have been read in part.
 class VARNPDF_EXPORT CPdf {
 public:
     CPdf();
@@ -36,7 +40,8 @@ public:
     // --- opening ---------------------------------------------------------------------------------------------------
 
     /// Opens a document: reads the whole file, checks it, reads every cross-reference section and all objects and
-    /// evaluates the lock state. `mode` is passed to fopen ("rb").
+    /// evaluates the lock state. `mode` is passed to fopen ("rb"). A document that memory did not suffice to read to the
+    /// end cannot be opened again: -1014 every time.
     /// @return 0, or VARNPDF_CAN_NOT_LOAD_PDF_FILE (-1001), VARNPDF_PDF_MAXSIZE (-1013),
     ///         VARNPDF_PDF_MEMORY_ALLOCATION (-1014), -1018 (cross-reference data or objects unreadable, /Size below 1
     ///         or above 499,999), VARNPDF_PDF_ENCRYPTED (-1021), VARNPDF_NO_PDF_FILE (-1029), VARNPDF_NO_ROOT (-1060),
@@ -222,7 +227,7 @@ public:
 
     /// Starts the output stream anew; `size` is the old document's length.
     void ResetByteStream(unsigned int size);
-    /// Appends the whole old document to the stream (full mode). Returns 0.
+    /// Appends the whole old document to the stream (full mode). 0 or -1014.
     int WriteOld2ByteStream();
     /// The stream's bytes, owned by the document, valid until the next write.
     [[nodiscard]] const char* GetByteStream() const;
@@ -235,7 +240,7 @@ public:
     ///         VARNPDF_PDF_MEMORY_ALLOCATION (-1014)
     int WriteContent(CPdfXRefContainer* xrefs, CPdfObj* obj, bool tailMode);
     /// Writes the cross-reference table of the container and the trailer; `renewId` renews the second part of /ID.
-    /// Returns 0.
+    /// 0 or -1014.
     int WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode);
 
     // --- form fields -----------------------------------------------------------------------------------------------
@@ -320,14 +325,14 @@ public:
     /// caller resets the counter first.
     CPdfObj* GetSigObjectFromArray(char* refList, int index);
     void ResetFieldCounter();
-    /// Rectangle (fractions dropped) and page index of a signature. 0, or -1 when there is none with this index.
+    /// Rectangle (fractions dropped) and page index of a signature. 0, -1 when there is none with this index, or -1014.
     int GetSignaturePositions(int sigIndex, int* x1, int* y1, int* x2, int* y2, int* page);
     /// Writes its name to the debug log; changes nothing in this release.
     void correct_annots();
     /// Writes all objects of a signature into the update: widget, signature dictionary, appearance, metadata. Numbers
     /// count from the widget's; every object becomes an entry of `xref`.
     /// @param mode 0 signed; the int behind the first-signature flag are unused (-1)
-    /// @return 0, or -1041 (compressing failed), -1083 (image unreadable)
+    /// @return 0, or -1014 (no memory), -1041 (compressing failed), -1083 (image unreadable)
     int WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj* fieldLock, CPdfObj* metadata, int mode,
                        int visible, CPdfSigInfo* info, int* rect, int* size, int rotation, int appearanceOption1,
                        char* reason, char* location, char* name, char* signDate, bool firstSignature, int unused1,

@@ -18,6 +18,9 @@ struct FormfieldInfo_tag;
 /// the white space in front of the object counted; a length is the offset just behind the object, where the next
 /// reader starts. `out` is a zero-filled buffer of the caller, at least strlen(`s`) + 1 bytes. White space and
 /// delimiters are those of `CTokHelp`. Arrays and dictionaries nested deeper than 500 cannot be read.
+///
+/// Without memory a member that returns a pointer returns null, one that says 1 or true for success returns 0 or false,
+/// one that says 0 returns VARNPDF_PDF_MEMORY_ALLOCATION (-1014); nothing is written then, and no exception leaves.
 class VARNPDF_EXPORT CPdfHelper {
 public:
     CPdfHelper();

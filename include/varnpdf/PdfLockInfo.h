@@ -10,7 +10,8 @@ enum digest_method { eMD5 = 1, eSHA1 = 2 };
 enum action_type { eAll = 1, eInclude = 2, eExclude = 3 };
 enum access_permission { eNoChanges = 1 };
 
-/// Lock parameters of a signature being prepared. Every accessor reads or writes one field.
+/// Lock parameters of a signature being prepared. Every accessor reads or writes one field. Copying and
+/// `get_digestvalue` throw std::bad_alloc without memory.
 class VARNPDF_EXPORT CPdfLockInfo {
 public:
     CPdfLockInfo();

@@ -14,7 +14,8 @@ struct SignState;
 }
 
 /// The two steps of a signature: `SignPDFFile` prepares the document in memory, the host has a value made over the
-/// prepared bytes, `SaveSignature` writes the signed file. One thread at a time; different objects are independent.
+/// prepared bytes, `SaveSignature` writes the signed file. One thread at a time; different objects are independent. The
+/// constructor and `buildSignContent` throw std::bad_alloc without memory.
 class VARNPDF_EXPORT CPdfSign {
 public:
     CPdfSign();
@@ -46,7 +47,8 @@ public:
     /// @param lock          greater than 0: the signature locks the document's fields
     /// @param skipImageCheck the image is not examined for transparency
     /// @return 0, an open code, or -1001, -1004, -1005, -1006, -1007, -1009, -1021, -1022, -1024, -1030, -1033, -1034,
-    ///         -1041, -1042, -1050, -1082, -1083 (see result_codes.inc)
+    ///         -1041, -1042, -1050, -1082, -1083 (see result_codes.inc); without memory the code of where it ran out,
+    ///         -1014 or -1001
     int SignPDFFile(char* pdfFile, int page, int posMode, int x, int y, int width, int height, int appearanceOption1,
                     char* reason, char* location, char* name, char* signDate, unsigned int contentsSize,
                     bool reservedFlag, int appearanceOption2, int useImage, char* imageFile, FormfieldInfo_tag* fields,
@@ -70,7 +72,8 @@ public:
     /// Writes the signed file: the prepared bytes with the value, as hexadecimal text padded with "31", in its room.
     /// `contentsSize` must be the one given to the preparation. A value longer than that is not reported: "<>" and
     /// zero bytes stand in its place.
-    /// @return 0, or -1023: a null argument, or the file cannot be created or written (nothing is left then)
+    /// @return 0, or -1023: a null argument, or the file cannot be created or written (nothing is left then); without
+    ///         memory as well
     int SaveSignature(char* pcSignedFile, unsigned char* sig, unsigned int sigLen, unsigned int contentsSize);
     /// The hexadecimal string of a value: `*outLen` is 2 * contentsSize + 2; `*out` (one byte longer, terminated) is
     /// freed by the caller with delete[]. Either may be null.
@@ -79,7 +82,7 @@ public:
 
     /// Looks for the frame that some office suites draw for an empty form field; the last one wins. Rectangle in points
     /// rounded down, page index from 0; untouched when there is none.
-    /// @return 0, -1004 (no /Size, /Root or /Pages), -1021 (encrypted)
+    /// @return 0, -1004 (no /Size, /Root or /Pages), -1014 (no memory), -1021 (encrypted)
     int TryFindOOField(CPdf* pdf, int* x, int* y, int* width, int* height, int* page);
 
     /// The prepared document with the room of the value, delimiters included, cut out: exactly the bytes to sign.

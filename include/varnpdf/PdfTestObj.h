@@ -9,7 +9,8 @@
 /// Runs the exported readers of PDF syntax (`CPdfHelper`, dictionary entries of `CPdfObj`) over fixed inputs with known
 /// results, so that a host can tell whether the library it was given works as built. Takes about a millisecond, reads
 /// and writes no file. `CPdfHelper::IsReference_MS`, which writes to standard output, is left out. One thread at a time;
-/// different objects are independent. Indexes count from 0; for one out of range a text is empty and a number 0.
+/// different objects are independent. Indexes count from 0; for one out of range a text is empty and a number 0. The
+/// constructor, `GetLine` and `GetFailure` throw std::bad_alloc without memory.
 class VARNPDF_EXPORT CPdfTestObj {
 public:
     CPdfTestObj();
@@ -30,7 +31,7 @@ public:
     [[nodiscard]] int GetCaseNum(int index) const;
     /// 1 when every result was the expected one, else 0.
     [[nodiscard]] int GetOkay(int index) const;
-    /// The line that was logged. This and `GetFailure` let std::bad_alloc out.
+    /// The line that was logged.
     [[nodiscard]] std::string GetLine(int index) const;
     /// The first input whose result was another, with both; empty without one. May hold any byte.
     [[nodiscard]] std::string GetFailure(int index) const;

@@ -62,7 +62,8 @@ private:
     std::array<unsigned char, kLargestBlock> block_{};
 };
 
-/// Base64 of `len` bytes, padded with "=", without line breaks.
+/// Base64 of `len` bytes, padded with "=", without line breaks. This and `base64_decode` throw std::bad_alloc without
+/// memory.
 VARNPDF_EXPORT std::string base64_encode(const unsigned char* data, unsigned int len);
 /// The bytes of a Base64 text. The first character outside of the alphabet ends it, a line break as well as "=".
 VARNPDF_EXPORT std::vector<unsigned char> base64_decode(const std::string& text);

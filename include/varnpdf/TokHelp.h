@@ -4,7 +4,9 @@
 #include "varnpdf/export.h"
 
 /// Stateless helpers on NUL-terminated byte strings. Buffers belong to the caller unless a function says it
-/// allocates; pointers must not be null unless a function says so.
+/// allocates; pointers must not be null unless a function says so. Without memory a function that returns a pointer
+/// returns null, one whose result is 1 or 0 returns 0, any other VARNPDF_PDF_MEMORY_ALLOCATION (-1014); nothing is
+/// written then, and no exception leaves.
 ///
 /// White space is space, LF, CR, FF, TAB and BEL. That is not the set of ISO 32000-2 7.2.3: NUL ends every C string
 /// and is not white space here, BEL is.

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 
+#include "support/Guarded.h"
 #include "syntax/Der.h"
 #include "syntax/Readers.h"
 #include "syntax/Reference.h"
@@ -177,18 +178,24 @@ bool CPdfHelper::IsReference2(const char* s, int* num, int* gen) {
 }
 
 int CPdfHelper::CreateLiteralEscapeSeq(const char* in, char* out) {
-    storeBare(out, varnpdf::escapeLiteral(in));
-    return 1;
+    return varnpdf::guardedOr(0, [&] {
+        storeBare(out, varnpdf::escapeLiteral(in));
+        return 1;
+    });
 }
 
 int CPdfHelper::RemoveLiteralEscapeSeq(const char* in, char* out) {
-    store(out, varnpdf::unescapeLiteral(in));
-    return 1;
+    return varnpdf::guardedOr(0, [&] {
+        store(out, varnpdf::unescapeLiteral(in));
+        return 1;
+    });
 }
 
 int CPdfHelper::RemoveLiteralEscapeSeq(const char* in, std::string& out) {
-    out = varnpdf::unescapeLiteral(in);
-    return 1;
+    return varnpdf::guardedOr(0, [&] {
+        out = varnpdf::unescapeLiteral(in);
+        return 1;
+    });
 }
 
 bool CPdfHelper::IsDictionary(char* s) { return varnpdf::isDictionary(s); }

@@ -1,6 +1,7 @@
 // The dates of CPdfHelper: faces of the inner functions.
 #include <cstring>
 
+#include "support/Guarded.h"
 #include "support/Loggers.h"
 #include "syntax/Dates.h"
 #include "syntax/Text.h"
@@ -13,9 +14,24 @@ namespace {
 
 constexpr int kSpare = 57;  // free bytes behind a text whose date is replaced
 
-char* copyOut(const std::string& text, char* out) {
-    if (out != nullptr) std::memcpy(out, text.c_str(), text.size() + 1);
-    return out;
+// What `make` gives, in `out`; null, and nothing stored, without memory.
+template <typename Make>
+char* copyOut(Make make, char* out) {
+    return guardedOr(static_cast<char*>(nullptr), [&] {
+        const std::string text = make();
+        if (out != nullptr) std::memcpy(out, text.c_str(), text.size() + 1);
+        return out;
+    });
+}
+
+// The same in a text that the thread has for this conversion.
+template <std::string (*convert)(std::string_view)>
+char* keep(const char* date) {
+    return guardedOr(static_cast<char*>(nullptr), [date] {
+        thread_local std::string result;
+        result = convert(viewOf(date));
+        return result.data();
+    });
 }
 
 using FindValue = std::optional<TextSpan> (*)(std::string_view text, std::size_t key) noexcept;
@@ -39,16 +55,16 @@ int replaceIn(char* buf, int pos, int size, const char* date, int* newLen, FindV
 }  // namespace
 
 int CPdfHelper::NowPDF(char* out) {
-    copyOut(pdfDate(std::time(nullptr)), out);
-    return 0;
+    const char* const copied = copyOut([] { return pdfDate(std::time(nullptr)); }, out);
+    return out == nullptr || copied != nullptr ? VARNPDF_OK : VARNPDF_PDF_MEMORY_ALLOCATION;
 }
 
 char* CPdfHelper::TimeStruct2AdobeDateString(struct timeb* t, char* out) {
-    return copyOut(t == nullptr ? "" : pdfDate(*t), out);
+    return copyOut([t] { return t == nullptr ? std::string() : pdfDate(*t); }, out);
 }
 
 char* CPdfHelper::TimeStruct2LocaleDateString(int format, struct timeb* t, char* out) {
-    return copyOut(t == nullptr ? "" : displayDate(format, *t), out);
+    return copyOut([=] { return t == nullptr ? std::string() : displayDate(format, *t); }, out);
 }
 
 bool CPdfHelper::IsValidDateString(char* s) { return isValidDate(viewOf(s), loggers::helper); }
@@ -77,17 +93,8 @@ char* CPdfHelper::AdobeDateString2TimeStruct(char* s, struct timeb* t) {
 // date has them; no text of up to 15 characters does.
 char* CPdfHelper::GenTime2TimeStruct(char* /*s*/, struct timeb* /*t*/) { return nullptr; }
 
-char* CPdfHelper::Convert8824DoubleH(char* s) {
-    thread_local std::string result;
-    result = convert8824DoubleH(viewOf(s));
-    return result.data();
-}
-
-char* CPdfHelper::Convert8824to8601(char* s) {
-    thread_local std::string result;
-    result = convert8824to8601(viewOf(s));
-    return result.data();
-}
+char* CPdfHelper::Convert8824DoubleH(char* s) { return keep<convert8824DoubleH>(s); }
+char* CPdfHelper::Convert8824to8601(char* s) { return keep<convert8824to8601>(s); }
 
 int CPdfHelper::ReplaceDateISO8601(char* buf, int pos, int size, char* date, int* newLen) {
     return replaceIn(buf, pos, size, date, newLen, xmpDateValue);
@@ -99,7 +106,9 @@ int CPdfHelper::ReplaceDateISO8824(char* buf, int pos, int size, char* date, int
 
 int CPdfHelper::ReplaceModDate(CPdfObj* obj, char* date) {
     if (obj == nullptr || date == nullptr) return 1;
-    std::string text(obj->content());
-    if (replaceModDate(text, date)) obj->setContent(text);
-    return 1;
+    return guardedOr(0, [&] {
+        std::string text(obj->content());
+        if (replaceModDate(text, date)) obj->setContent(text);
+        return 1;
+    });
 }

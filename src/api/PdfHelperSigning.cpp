@@ -4,6 +4,7 @@
 
 #include "signing/Placement.h"
 #include "signing/TextLayer.h"
+#include "support/Guarded.h"
 #include "syntax/Text.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/result.h"
@@ -25,10 +26,12 @@ int CPdfHelper::CheckThis(const char* text, int max) {
 int CPdfHelper::GetTextStreamLayer(char* buffer, int* length, int width, int height, FormfieldInfo_tag* fields,
                                    int fieldCount) {
     const auto count = static_cast<std::size_t>(fields == nullptr ? 0 : std::max(fieldCount, 0));
-    const std::string layer = textLayer(width, height, {fields, count});
-    if (buffer != nullptr) std::memcpy(buffer, layer.c_str(), layer.size() + 1);
-    if (length != nullptr) *length = static_cast<int>(layer.size());
-    return 0;
+    return guarded([&]() -> int {
+        const std::string layer = textLayer(width, height, {fields, count});
+        if (buffer != nullptr) std::memcpy(buffer, layer.c_str(), layer.size() + 1);
+        if (length != nullptr) *length = static_cast<int>(layer.size());
+        return VARNPDF_OK;
+    });
 }
 
 int CPdfHelper::IntFontname(char* out, int family, int style) {

@@ -49,18 +49,20 @@ int CPdf::WriteTrailerToContent(int size, std::string id) {
 }
 
 int CPdf::WriteAndClose() {
-    const std::string_view bytes = bytesOf(*state_);
-    bool written = false;
-    if (!bytes.empty()) {
-        StagedFile file(state_->fileName.c_str());
-        if (file.isOpen()) {
-            file.write(bytes);
-            written = file.commit();
+    return guarded([this] {
+        const std::string_view bytes = bytesOf(*state_);
+        bool written = false;
+        if (!bytes.empty()) {
+            StagedFile file(state_->fileName.c_str());
+            if (file.isOpen()) {
+                file.write(bytes);
+                written = file.commit();
+            }
         }
-    }
-    if (!written) logError(loggers::pdf, "ERROR_CAN_NOT_WRITE_PDF_FILE: ", state_->fileName);
-    Close();
-    return written ? 0 : -1;
+        if (!written) logError(loggers::pdf, "ERROR_CAN_NOT_WRITE_PDF_FILE: ", state_->fileName);
+        Close();
+        return written ? 0 : -1;
+    });
 }
 
 void CPdf::CreateIdent() { state_->ident = kNewIdent; }

@@ -35,11 +35,14 @@ int CPdf::Open(const char* filename, const char* mode) {
         state_->file = openFile(filename, mode);
         const bool isHeld = document.bytes != nullptr;
         if (const int code = readBytes(document, state_->file.get()); code != VARNPDF_OK) return code;
+        if (state_->incomplete) return VARNPDF_PDF_MEMORY_ALLOCATION;
         if (isHeld) return findRoot(document);
         state_->output.setoldcontentsize(static_cast<unsigned int>(document.length));
-        if (const int code = readDocument(document); code != VARNPDF_OK) return code;
-        check_lockstate();
-        return findRoot(document);
+        state_->incomplete = true;
+        const int code = readDocument(document);
+        if (code == VARNPDF_OK) check_lockstate();
+        state_->incomplete = false;
+        return code == VARNPDF_OK ? findRoot(document) : code;
     };
     return guarded(open, VARNPDF_PDF_MEMORY_ALLOCATION, VARNPDF_CAN_NOT_LOAD_PDF_FILE);
 }
@@ -53,10 +56,12 @@ int CPdf::ParseContent(unsigned char* data, unsigned int len, bool /*release*/) 
     constexpr unsigned int kMost = std::numeric_limits<int>::max();  // offsets are int
     if (data == nullptr || len == 0 || len > kMost || state_->document.bytes) return -1;
     return guarded([&]() -> int {
-        takeBytes(state_->document, {reinterpret_cast<const char*>(data), len});
         state_->output.init(len);
+        takeBytes(state_->document, {reinterpret_cast<const char*>(data), len});
+        state_->incomplete = true;
         readNewestTrailer(state_->document);
         readObjects(state_->document);
+        state_->incomplete = false;
         return VARNPDF_OK;
     });
 }
@@ -64,7 +69,7 @@ int CPdf::ParseContent(unsigned char* data, unsigned int len, bool /*release*/) 
 bool CPdf::IsPDF(char* content) {
     constexpr std::string_view kHeader = "%PDF-";
     if (content == nullptr || std::strncmp(content, kHeader.data(), kHeader.size()) != 0) return false;
-    return isPdf(state_->document);
+    return guardedOr(false, [this] { return isPdf(state_->document); });
 }
 
 int CPdf::CheckLineEndType(char* content) {
@@ -92,11 +97,12 @@ int CPdf::GotoIdGeneral(const char* keyword, int mode, int start) {
     Document& document = state_->document;
     if (!document.bytes) return 0;
     if (keyword == nullptr || *keyword == '\0') return -1;
-    if (mode == kModeNext) {
-        return start < 0 ? -1 : offsetOrNone(nextKeyword(document, keyword, static_cast<std::size_t>(start)));
-    }
-    const bool everywhere = mode != kModeLast;
-    return offsetOrNone(everywhere ? search(document, keyword, true).last(0) : lastKeyword(document, keyword));
+    if (mode == kModeNext && start < 0) return -1;
+    return guardedOr(-1, [&] {
+        if (mode == kModeNext) return offsetOrNone(nextKeyword(document, keyword, static_cast<std::size_t>(start)));
+        if (mode == kModeLast) return offsetOrNone(lastKeyword(document, keyword));
+        return offsetOrNone(search(document, keyword, true).last(0));
+    });
 }
 
 int CPdf::GotoLastId(const char* keyword) { return GotoIdGeneral(keyword, kModeLast, 0); }

@@ -38,18 +38,14 @@ struct varnpdf::SignState {
 // hand over its bytes: growing them does not copy a large file.
 int SignState::prepare(PdfState& pdf, const SigningRequest& request, bool takeBytes) {
     Document& document = pdf.document;
+    UpdatedTrailer trailer(document.update.get());
     Preparation preparation(document, request);
     pdf.objectCount = preparation.firstNumber();
-    if (const int code = preparation.run(); code != VARNPDF_OK) return code;
+    if (const int code = preparation.run(); code != VARNPDF_OK) return trailer.keep(), code;
     const std::size_t old = document.length;
     const std::string_view tail = preparation.tail();
     const std::size_t begin = preparation.room().begin - old;
     const std::size_t end = preparation.room().end - old;
-    // Hosts that keep the document find the update in its output stream.
-    if (!takeBytes) {
-        pdf.output.init(static_cast<unsigned>(old));
-        print(pdf, tail);
-    }
     Bytes bytes;
     if (takeBytes) {
         bytes = releaseBytes(document);
@@ -59,12 +55,18 @@ int SignState::prepare(PdfState& pdf, const SigningRequest& request, bool takeBy
         std::copy(content.begin(), content.end(), bytes.data());
     }
     bytes.reserve(old + tail.size());
+    // Hosts that keep the document find the update in its output stream.
+    if (!takeBytes) {
+        pdf.output.init(static_cast<unsigned>(old));
+        print(pdf, tail);
+    }
     std::copy_n(tail.begin(), begin, bytes.data() + old);
     std::copy(tail.begin() + static_cast<std::ptrdiff_t>(end), tail.end(), bytes.data() + old + begin);
     bytes.setSize(old + tail.size() - (end - begin));
     logDebug(loggers::sign, "szContent mit gemerkter Länge setzen");
     prepared = std::move(bytes);
     contentsOffset = preparation.room().begin;
+    trailer.keep();
     logDebug(loggers::sign, "Ende Dummysign");
     return VARNPDF_OK;
 }
@@ -163,9 +165,10 @@ int CPdfSign::DummySign(CPdf* pdf, int page, int posMode, int x, int y, int widt
 void CPdfSign::buildSignContent(char** out, std::uint32_t* outLen, unsigned char* sig, std::uint32_t sigLen,
                                 std::uint32_t contentsSize) {
     logDebug(loggers::sign, "entering CPdfSign::buildSignContent");
-    if (outLen != nullptr) *outLen = static_cast<std::uint32_t>(roomLength(contentsSize));
+    const std::size_t length = roomLength(contentsSize);
+    auto content = out == nullptr ? nullptr : std::make_unique<char[]>(length + 1);
+    if (outLen != nullptr) *outLen = static_cast<std::uint32_t>(length);
     if (out == nullptr) return;
-    auto content = std::make_unique<char[]>(roomLength(contentsSize) + 1);
     fillRoom(content.get(), sig, sigLen, contentsSize);
     *out = content.release();
     logDebug(loggers::sign, "leaving CPdfSign::buildSignContent");

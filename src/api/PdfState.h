@@ -48,6 +48,33 @@ private:
     unsigned int begin_;
     bool kept_ = false;
 };
+/// Gives a trailer (null: none) back what an update changes in it, unless that is kept.
+class UpdatedTrailer {
+public:
+    /// Throws std::bad_alloc; the way back needs no memory.
+    explicit UpdatedTrailer(CPdfTrailer* trailer) : trailer_(trailer) {
+        if (trailer == nullptr) return;
+        size_ = trailer->GetSize();
+        xref_ = trailer->GetXRef();
+        id_ = trailer->id();
+        trailer->setId(id_);  // a text that was set keeps its room
+    }
+    UpdatedTrailer(const UpdatedTrailer&) = delete;
+    UpdatedTrailer& operator=(const UpdatedTrailer&) = delete;
+    ~UpdatedTrailer() {
+        if (trailer_ == nullptr) return;
+        trailer_->SetSize(size_);
+        trailer_->SetXRef(xref_);
+        trailer_->setId(id_);
+    }
+    void keep() noexcept { trailer_ = nullptr; }
+
+private:
+    CPdfTrailer* trailer_;
+    int size_ = 0;
+    int xref_ = 0;
+    std::string id_;
+};
 /// The place in the resulting file where the output goes on in tail mode.
 inline std::size_t filePosition(const PdfState& state) noexcept {
     return std::size_t{state.output.getoldcontentsize()} + state.output.tell();

@@ -9,6 +9,7 @@
 #include "reader/Pages.h"
 #include "reader/Sections.h"
 #include "reader/Trailers.h"
+#include "support/Guarded.h"
 #include "support/Loggers.h"
 #include "varnpdf/PdfHelper.h"
 
@@ -16,8 +17,14 @@ using namespace varnpdf;
 
 void CPdf::set_pdf_obj_to_map(int slot, CPdfObj* obj) {
     if (obj == nullptr) return;
-    std::unique_ptr<CPdfObj> taken(obj);
-    if (!state_->document.objects.insert(slot, taken)) static_cast<void>(taken.release());
+    std::unique_ptr<CPdfObj> offered(obj);
+    const auto leave = [&] { static_cast<void>(offered.release()); };
+    try {
+        if (!state_->document.objects.insert(slot, offered)) leave();
+    } catch (...) {
+        leave();
+        throw;
+    }
 }
 
 CPdfObj* CPdf::get_pdf_obj_from_map(int slot) { return state_->document.objects.find(slot); }
@@ -46,7 +53,9 @@ int CPdf::GetObjNum() const { return state_->objectCount; }
 void CPdf::SetObjNum(int count) { state_->objectCount = count; }
 
 void CPdf::AddListItem(CPdfObjTransferListItem* item) {
-    if (item != nullptr) state_->transfers.emplace_back(item);
+    if (item == nullptr) return;
+    state_->transfers.emplace_back();
+    state_->transfers.back().reset(item);
 }
 
 int CPdf::GetListItemCount() const { return static_cast<int>(state_->transfers.size()); }
@@ -56,8 +65,13 @@ const CPdfObjTransferListItem* CPdf::GetListItem(int index) const {
     return exists ? state_->transfers[static_cast<std::size_t>(index)].get() : nullptr;
 }
 
-void CPdf::DebugShowObjectInfo() { logObjects(state_->document); }
-void CPdf::DebugShowTrailerInfo() { logTrailers(state_->document); }
+void CPdf::DebugShowObjectInfo() {
+    guarded([this]() -> int { return logObjects(state_->document), VARNPDF_OK; });
+}
+
+void CPdf::DebugShowTrailerInfo() {
+    guarded([this]() -> int { return logTrailers(state_->document), VARNPDF_OK; });
+}
 
 void CPdf::RetrieveLastPdfTrailer() { readNewestTrailer(state_->document); }
 
@@ -69,11 +83,12 @@ bool CPdf::RetrievePdfTrailer(CPdfTrailer* trailer, int* offset) {
 void CPdf::CheckLinearization() { checkLinearization(state_->document); }
 
 bool CPdf::ExtractTrailer(CPdfTrailer* trailer) {
-    return trailer != nullptr && readEntries(state_->document, *trailer);
+    return trailer != nullptr && guardedOr(false, [&] { return readEntries(state_->document, *trailer); });
 }
 
 bool CPdf::ExtractXRefStm(CPdfTrailer* trailer) {
-    return readCompanion(state_->document, trailer == nullptr ? 0 : trailer->GetXRefStmAddr());
+    const int offset = trailer == nullptr ? 0 : trailer->GetXRefStmAddr();
+    return guardedOr(false, [&] { return readCompanion(state_->document, offset); });
 }
 
 void CPdf::SetPdfObjArrayData(int objnum, int offset, int gen, char* type, int streamObjNr, int indexInStream,
@@ -82,7 +97,10 @@ void CPdf::SetPdfObjArrayData(int objnum, int offset, int gen, char* type, int s
     recordEntry(state_->document, {objnum, offset, gen, isFree, compressed, streamObjNr, indexInStream});
 }
 
-bool CPdf::RetrieveObjects() { return readObjects(state_->document); }
+bool CPdf::RetrieveObjects() {
+    return guardedOr(false, [this] { return readObjects(state_->document); });
+}
+
 CPdfTrailer* CPdf::GetLastTrailer() const { return state_->document.newest.get(); }
 CPdfTrailer* CPdf::GetUpdateTrailer() const { return state_->document.update.get(); }
 int CPdf::GetTrailerCount() const { return static_cast<int>(state_->document.sections.size()); }
@@ -114,32 +132,36 @@ CPdfObj* CPdf::GetPdfPageObject(CPdfObj* pagesRoot, int pageIndex, int* mediaBox
         logDebug(loggers::pdf, "Pages-Objekt leer, Abbruch!");
         return nullptr;
     }
-    const auto& pages = pagesBelow(state_->document, *pagesRoot);
-    if (pages.empty() && !lookUp(pagesRoot->content(), "/Kids")) {
-        logDebug(loggers::pdf, "/Kids-Eintrag nicht gefunden, Abbruch!");
-        return nullptr;
-    }
-    if (pageIndex < 0 || static_cast<std::size_t>(pageIndex) >= pages.size()) return nullptr;
-    CPdfObj* const page = pages[static_cast<std::size_t>(pageIndex)];
-    const PageAttributes attributes = pageAttributes(state_->document, *page);
-    if (mediaBox != nullptr) std::copy(attributes.box.begin(), attributes.box.end(), mediaBox);
-    if (rotate != nullptr) *rotate = attributes.rotation;
-    return page;
+    return guardedOr(static_cast<CPdfObj*>(nullptr), [&]() -> CPdfObj* {
+        const auto& pages = pagesBelow(state_->document, *pagesRoot);
+        if (pages.empty() && !lookUp(pagesRoot->content(), "/Kids")) {
+            logDebug(loggers::pdf, "/Kids-Eintrag nicht gefunden, Abbruch!");
+            return nullptr;
+        }
+        if (pageIndex < 0 || static_cast<std::size_t>(pageIndex) >= pages.size()) return nullptr;
+        CPdfObj* const page = pages[static_cast<std::size_t>(pageIndex)];
+        const PageAttributes attributes = pageAttributes(state_->document, *page);
+        if (mediaBox != nullptr) std::copy(attributes.box.begin(), attributes.box.end(), mediaBox);
+        if (rotate != nullptr) *rotate = attributes.rotation;
+        return page;
+    });
 }
 
 CPdfObj* CPdf::GetPageObjectFromArray(char* refList, int* counter, int pageIndex) {
     if (refList == nullptr || counter == nullptr || *refList == '\0') return nullptr;
-    std::vector<CPdfObj*> pages;
-    walkTree(state_->document, refList, nullptr, isPage, pages);
-    for (CPdfObj* const page : pages) {
-        if (*counter == pageIndex) return page;
-        ++*counter;
-    }
-    return nullptr;
+    return guardedOr(static_cast<CPdfObj*>(nullptr), [&]() -> CPdfObj* {
+        std::vector<CPdfObj*> pages;
+        walkTree(state_->document, refList, nullptr, isPage, pages);
+        for (CPdfObj* const page : pages) {
+            if (*counter == pageIndex) return page;
+            ++*counter;
+        }
+        return nullptr;
+    });
 }
 
 int CPdf::GetPageNoFromObjRef(int* objNum, int* /*genNum*/) {
-    return objNum == nullptr ? -1 : pageIndexOf(state_->document, *objNum);
+    return objNum == nullptr ? -1 : guardedOr(-1, [&] { return pageIndexOf(state_->document, *objNum); });
 }
 
 CPdfSigInfo* CPdf::GetSigInfo() { return &state_->signatures; }
@@ -156,16 +178,18 @@ int CPdfHelper::getStreamValue(const void* bytes, int width) {
 bool CPdfHelper::TransformxRef(unsigned char* in, int inLen, unsigned char* out, int outLen, CPdfObj* params,
                                int /*size*/) {
     if (in == nullptr || out == nullptr || params == nullptr || inLen < 0) return false;
-    Bytes data;
-    data.reserve(static_cast<std::size_t>(inLen) + 1);
-    std::memcpy(data.data(), in, static_cast<std::size_t>(inLen));
-    data.setSize(static_cast<std::size_t>(inLen));
-    if (params->GetiDecodeParms_Predictor() != kPredictorNone) {
-        const long columns = params->GetiDecodeParms_Colums();
-        if (params->GetiDecodeParms_Predictor() != kPredictorUp || columns < 1) return false;
-        if (!undoPrediction(data, static_cast<std::size_t>(columns))) return false;
-    }
-    if (data.size() > static_cast<std::size_t>(std::max(outLen, 0))) return false;
-    std::memcpy(out, data.data(), data.size());
-    return true;
+    return guardedOr(false, [&] {
+        Bytes data;
+        data.reserve(static_cast<std::size_t>(inLen) + 1);
+        std::memcpy(data.data(), in, static_cast<std::size_t>(inLen));
+        data.setSize(static_cast<std::size_t>(inLen));
+        if (params->GetiDecodeParms_Predictor() != kPredictorNone) {
+            const long columns = params->GetiDecodeParms_Colums();
+            if (params->GetiDecodeParms_Predictor() != kPredictorUp || columns < 1) return false;
+            if (!undoPrediction(data, static_cast<std::size_t>(columns))) return false;
+        }
+        if (data.size() > static_cast<std::size_t>(std::max(outLen, 0))) return false;
+        std::memcpy(out, data.data(), data.size());
+        return true;
+    });
 }

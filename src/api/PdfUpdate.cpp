@@ -47,19 +47,16 @@ int CPdf::WriteContent(CPdfXRefContainer* xrefs, CPdfObj* obj, bool tailMode) {
 
 int CPdf::WriteTrailer(CPdfXRefContainer* xrefs, CPdfTrailer* trailer, bool renewId, bool tailMode) {
     if (xrefs == nullptr || trailer == nullptr) return 0;
-    std::string oldId;
-    const int code = guarded([&]() -> int {
+    return guarded([&]() -> int {
         Printed printed(*state_);
+        UpdatedTrailer updated(trailer);
         const std::size_t section = tailMode ? filePosition(*state_) : state_->output.tell();
+        trailer->SetXRef(static_cast<int>(section));
         print(*state_, crossReferenceTable(*xrefs));
-        oldId = trailer->id();
-        trailer->setId(oldId);  // has room from now on: going back to it cannot fail
         trailer->UpdateId(renewId);
         print(*state_, trailerText(*trailer, section));
-        trailer->SetXRef(static_cast<int>(section));
+        updated.keep();
         printed.keep();
         return VARNPDF_OK;
     });
-    if (code != VARNPDF_OK && !oldId.empty()) trailer->setId(oldId);
-    return code;
 }

@@ -4,6 +4,7 @@
 #include "api/PdfState.h"
 #include "inspection/Signatures.h"
 #include "signing/SignatureObjects.h"
+#include "support/Guarded.h"
 #include "support/Loggers.h"
 #include "syntax/Encoding.h"
 #include "syntax/Text.h"
@@ -74,20 +75,20 @@ void store(CPdfSigInfo& info, const SignatureRoom& room, const PdfState& state) 
 void CPdf::write_annot(CPdfXRefEntry* entry, CPdfObj* widget, CPdfObj* page, CPdfSigInfo* info, int* rect, int mode,
                        std::vector<std::string> names, CPdfObj* fieldLock, CPdfLockInfo* lock) {
     Tail out{filePosition(*state_), {}};
-    entry->SetPos(static_cast<int>(out.base));
     appendWidget(out, widgetOf(*widget, *page, *info, rect, mode, fieldLock, lock), names);
     print(*state_, out.text);
+    entry->SetPos(static_cast<int>(out.base));
 }
 
 void CPdf::WriteSigBlock(CPdfXRefEntry* entry, int objnum, int gen, CPdfSigInfo* info, char* reason, char* location,
                          char* name, char* signDate, std::uint32_t contentsSize, CPdfLockInfo* lock) {
     Tail out{filePosition(*state_), {}};
-    entry->SetPos(static_cast<int>(out.base));
     const std::string latin1 = latin1FromUtf8(viewOf(name)).text;
     const SignatureRoom room = appendValue(
         out, valueOf({objnum, gen}, latin1, reason, location, signDate, state_->etsiSubFilter, contentsSize, lock));
-    store(*info, room, *state_);
     print(*state_, out.text);
+    store(*info, room, *state_);
+    entry->SetPos(static_cast<int>(out.base));
 }
 
 int CPdf::WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj* fieldLock, CPdfObj* metadata,
@@ -97,32 +98,36 @@ int CPdf::WriteSignature(CPdfXRef* xref, CPdfObj* widget, CPdfObj* page, CPdfObj
                          int /*existingSignatures*/, unsigned int contentsSize, int additionalLayers, int useImage,
                          char* imageFile, FormfieldInfo_tag* fields, int fieldCount, int transparentImage,
                          CPdfLockInfo* lock) {
-    std::optional<JpegImage> picture;
-    if (visible != 0 && useImage != 0) {
-        picture = loadImage(imageFile, transparentImage != 0, loggers::pdf);
-        if (!picture) return VARNPDF_IMAGE_UNREADABLE;
-    }
-    const auto count = static_cast<std::size_t>(fields == nullptr ? 0 : std::max(fieldCount, 0));
-    const std::string latin1 = latin1FromUtf8(viewOf(name)).text;
-    SignatureObjects objects{.widget = widgetOf(*widget, *page, *info, rect, mode, fieldLock, lock),
-                             .value = valueOf({widget->GetObjNum() + 1, widget->GetGenNumber()}, latin1, reason,
-                                              location, signDate, state_->etsiSubFilter, contentsSize, lock),
-                             .visible = visible != 0,
-                             .size = {size[0], size[1]},
-                             .rotation = rotation,
-                             .layers = additionalLayers != 0,
-                             .picture = picture ? &*picture : nullptr,
-                             .fields = {fields, count}};
-    if (metadata != nullptr) objects.metadata = metadata->content();
-    Tail out{filePosition(*state_), {}};
-    const auto written = appendSignature(out, objects, signatureFieldNames(state_->document));
-    if (!written) return VARNPDF_COMPRESSING_FAILED;
-    for (const std::size_t offset : written->offsets) {
-        CPdfXRefEntry entry;
-        entry.SetPos(static_cast<int>(offset));
-        xref->AddEntry(entry);
-    }
-    store(*info, written->room, *state_);
-    print(*state_, out.text);
-    return VARNPDF_OK;
+    return guarded([&]() -> int {
+        std::optional<JpegImage> picture;
+        if (visible != 0 && useImage != 0) {
+            picture = loadImage(imageFile, transparentImage != 0, loggers::pdf);
+            if (!picture) return VARNPDF_IMAGE_UNREADABLE;
+        }
+        const auto count = static_cast<std::size_t>(fields == nullptr ? 0 : std::max(fieldCount, 0));
+        const std::string latin1 = latin1FromUtf8(viewOf(name)).text;
+        SignatureObjects objects{.widget = widgetOf(*widget, *page, *info, rect, mode, fieldLock, lock),
+                                 .value = valueOf({widget->GetObjNum() + 1, widget->GetGenNumber()}, latin1, reason,
+                                                  location, signDate, state_->etsiSubFilter, contentsSize, lock),
+                                 .visible = visible != 0,
+                                 .size = {size[0], size[1]},
+                                 .rotation = rotation,
+                                 .layers = additionalLayers != 0,
+                                 .picture = picture ? &*picture : nullptr,
+                                 .fields = {fields, count}};
+        if (metadata != nullptr) objects.metadata = metadata->content();
+        Tail out{filePosition(*state_), {}};
+        const auto written = appendSignature(out, objects, signatureFieldNames(state_->document));
+        if (!written) return VARNPDF_COMPRESSING_FAILED;
+        CPdfXRef entries(*xref);
+        for (const std::size_t offset : written->offsets) {
+            CPdfXRefEntry entry;
+            entry.SetPos(static_cast<int>(offset));
+            entries.AddEntry(entry);
+        }
+        print(*state_, out.text);
+        xref->swap(entries);
+        store(*info, written->room, *state_);
+        return VARNPDF_OK;
+    });
 }

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
+#include "support/Guarded.h"
 #include "syntax/Cursor.h"
 #include "syntax/Encoding.h"
 #include "syntax/Readers.h"
@@ -21,9 +21,10 @@ void store(char* out, std::string_view text) {
     out[text.size()] = '\0';
 }
 
+// Null without memory.
 char* duplicate(std::string_view text) {
     auto* copy = static_cast<char*>(std::malloc(text.size() + 1));
-    if (copy == nullptr) throw std::bad_alloc();
+    if (copy == nullptr) return nullptr;
     std::copy(text.begin(), text.end(), copy);
     copy[text.size()] = '\0';
     return copy;
@@ -97,7 +98,8 @@ void CTokHelp::AppendChar(char* s, char c) {
 }
 
 char* CTokHelp::StrReplace(char* str, const char* from, const char* to) {
-    return duplicate(varnpdf::replaceAll(str, from, to));
+    return varnpdf::guardedOr(static_cast<char*>(nullptr),
+                              [&] { return duplicate(varnpdf::replaceAll(str, from, to)); });
 }
 
 int CTokHelp::String2Int(char* s) { return s == nullptr ? 0 : varnpdf::Cursor(s).takeInt().value_or(0); }
@@ -137,8 +139,10 @@ int CTokHelp::NZTrimLeftRight_BH(char* s, const char* set, int mode, int* outLen
 }
 
 char* CTokHelp::BinaryToAsc(const unsigned char* data, int len, char* out) {
-    store(out, len < 1 ? std::string() : varnpdf::toHex(bytes(data, static_cast<std::size_t>(len))));
-    return out;
+    return varnpdf::guardedOr(static_cast<char*>(nullptr), [&] {
+        store(out, len < 1 ? std::string() : varnpdf::toHex(bytes(data, static_cast<std::size_t>(len))));
+        return out;
+    });
 }
 
 unsigned char* CTokHelp::AscToBinary(const char* hex, unsigned char* out, int* len) {
@@ -148,8 +152,10 @@ unsigned char* CTokHelp::AscToBinary(const char* hex, unsigned char* out, int* l
 }
 
 int CTokHelp::GenHexOutput(char* out, unsigned char* data, unsigned len) {
-    store(out, varnpdf::toHex(bytes(data, len), ':'));
-    return static_cast<int>(len);
+    return varnpdf::guarded([&] {
+        store(out, varnpdf::toHex(bytes(data, len), ':'));
+        return static_cast<int>(len);
+    });
 }
 
 int CTokHelp::high_ones(int c) { return varnpdf::highOnes(static_cast<unsigned char>(c)); }
@@ -178,18 +184,22 @@ int CTokHelp::utf8_putc(int c, unsigned char** p) {
 }
 
 int CTokHelp::ConvertUTF8ToISO88591(char* src, char* dst) {
-    const varnpdf::Latin1Text latin1 = varnpdf::latin1FromUtf8(src);
-    store(dst, latin1.text);
-    return latin1.replaced;
+    return varnpdf::guarded([&] {
+        const varnpdf::Latin1Text latin1 = varnpdf::latin1FromUtf8(src);
+        store(dst, latin1.text);
+        return latin1.replaced;
+    });
 }
 
 int CTokHelp::DecodeLiteralString(unsigned char* buf, int* len) {
     if (*len < 2) return 0;
-    const auto size = static_cast<std::size_t>(*len);
-    const auto decoded = varnpdf::decodeLiteral(bytes(buf, size));
-    if (!decoded) return 0;
-    std::memset(buf, 0, size);
-    std::copy(decoded->begin(), decoded->end(), buf);
-    *len = static_cast<int>(decoded->size());
-    return 1;
+    return varnpdf::guardedOr(0, [&] {
+        const auto size = static_cast<std::size_t>(*len);
+        const auto decoded = varnpdf::decodeLiteral(bytes(buf, size));
+        if (!decoded) return 0;
+        std::memset(buf, 0, size);
+        std::copy(decoded->begin(), decoded->end(), buf);
+        *len = static_cast<int>(decoded->size());
+        return 1;
+    });
 }

@@ -1,11 +1,9 @@
 // Inserting the value.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "tests/signing/Signing.h"
@@ -80,43 +78,5 @@ TEST(SaveSignature, Failures) {
     EXPECT_FALSE(std::filesystem::exists(target.path()));
     EXPECT_EQ(save(target.path(), value), 0);
 }
-
-// Sanitizers end the process when an allocation fails.
-TEST(DummySign, LeavesTheUpdateWithTheDocument) {
-    OpenedPdf opened(smallDocument().table().bytes());
-    Request request;
-    CPdfSign sign;
-    std::string why = "why";
-    ASSERT_EQ(sign.DummySign(&opened.pdf, 0, 1, 0, 0, 0, 0, 0, why.data(), why.data(), why.data(), request.date.data(),
-                             kRoom, false, 0, 0, nullptr, nullptr, 0, 0, false),
-              0);
-    EXPECT_EQ(opened.pdf.GetObjNum(), 4);  // the number that new objects begin with
-    std::string file = preparedBytes(sign);
-    file.insert(sign.GetContentsOffset(), "<00000000>");
-    const std::string_view update(opened.pdf.GetByteStream(), static_cast<std::size_t>(opened.pdf.GetByteStreamLen()));
-    EXPECT_EQ(file.substr(opened.pdf.GetContentLen()), update);
-}
-
-#ifndef __SANITIZE_ADDRESS__
-TEST(NoMemory, IsACodeAndNoException) {
-    OpenedPdf opened(smallDocument().table().bytes());
-    long pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    rlimit old{};
-    ASSERT_EQ(getrlimit(RLIMIT_AS, &old), 0);
-    const rlimit tight{static_cast<rlim_t>(pages * sysconf(_SC_PAGESIZE)) + (64U << 20U), old.rlim_max};
-    Request request{.room = 300'000'000};
-    CPdfSign sign;
-    std::string nothing;
-    ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
-    const int dummy = sign.DummySign(&opened.pdf, 0, 1, 0, 0, 0, 0, 0, nothing.data(), nothing.data(), nothing.data(),
-                                     request.date.data(), request.room, false, 0, 0, nullptr, nullptr, 0, 0, false);
-    const int fromFile = prepareFile(sign, opened.file.path(), request);
-    setrlimit(RLIMIT_AS, &old);
-    EXPECT_EQ(dummy, -1014);
-    EXPECT_EQ(fromFile, -1001);
-    EXPECT_EQ(sign.GetPreparedDocument(), nullptr);
-}
-#endif
 
 }  // namespace
