@@ -7,7 +7,7 @@
 #include <string>
 
 #include "bench/Measure.h"
-#include "signing/FreeImageLibrary.h"
+#include "support/FreeImageLibrary.h"
 #include "tests/support/TempFile.h"
 #include "varnpdf/PdfSign.h"
 

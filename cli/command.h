@@ -33,6 +33,7 @@ Command addConvert(const Parser& program);
 Command addFind(const Parser& program);
 Command addFields(const Parser& program);
 Command addFill(const Parser& program);
+Command addField(const Parser& program);
 Command addDss(const Parser& program);
 Command addAttach(const Parser& program);
 Command addAttachments(const Parser& program);

@@ -8,3 +8,13 @@ int cli::openDocument(CPdf& pdf, const std::string& path) {
     if (code != 0) complain(path, code);
     return code;
 }
+
+void cli::warnIfSigned(CPdfForm& form, const std::string& path) {
+    for (int i = 0; i < form.GetFieldNum(); ++i) {
+        if (std::string_view(form.GetType(i)) != "Sig" || form.GetValue(i) == nullptr) continue;
+        complain(path,
+                 "warning: the document is signed; the signatures stay intact, and viewers will say "
+                 "that it was changed after signing");
+        return;
+    }
+}

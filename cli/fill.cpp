@@ -64,13 +64,6 @@ bool readValues(const std::string& path, Values& values) {
     return false;
 }
 
-bool isSigned(CPdfForm& form) {
-    for (int i = 0; i < form.GetFieldNum(); ++i) {
-        if (std::string_view(form.GetType(i)) == "Sig" && form.GetValue(i) != nullptr) return true;
-    }
-    return false;
-}
-
 int run(const Options& options) {
     Values values;
     for (const std::string& value : options.values) {
@@ -87,11 +80,7 @@ int run(const Options& options) {
         good = good && code == 0;
     }
     if (!good) return cli::kAllFailed;
-    if (isSigned(form)) {
-        cli::complain(options.in,
-                      "warning: the document is signed; the signatures stay intact, and viewers will say "
-                      "that it was changed after signing");
-    }
+    cli::warnIfSigned(form, options.in);
     if (const int code = form.WriteUpdate(); code != 0) {
         cli::complain(options.in, code);
         return cli::kAllFailed;

@@ -16,7 +16,7 @@ constexpr const char* kVersion = "varnpdf 2.10.0";
 using Adder = cli::Command (*)(const cli::Parser&);
 constexpr Adder kCommands[] = {cli::addInfo,        cli::addExtract,   cli::addShow,    cli::addSign,
                                cli::addPrepare,     cli::addEmbed,     cli::addVerify,  cli::addDss,
-                               cli::addFind,        cli::addFields,    cli::addFill,    cli::addAttach,
+                               cli::addFind,        cli::addFields,    cli::addFill,    cli::addField,   cli::addAttach,
                                cli::addAttachments, cli::addPortfolio, cli::addConvert, cli::addSelfcheck};
 
 constexpr const char* kFooter = R"(Exit codes:

@@ -1,6 +1,7 @@
 // Places and sizes of visible signatures.
 #include "measure.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -60,17 +61,9 @@ bool wrong(const char* option, const std::string& sentence) {
 }
 
 bool takePage(const std::string& text, cli::Placement& placement) {
-    if (text == "last") {
-        placement.page = -1;
-        return true;
-    }
-    int number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size() || number < 1) {
-        return wrong("--page", "this is neither a number from 1 on nor \"last\": " + text);
-    }
-    placement.page = number - 1;
-    return true;
+    const std::optional<int> page = cli::pageOf(text);
+    placement.page = page.value_or(0);
+    return page.has_value();
 }
 
 bool takeSize(const std::string& text, cli::Placement& placement) {
@@ -118,6 +111,32 @@ std::optional<int> signedPoints(std::string_view text) {
 }
 
 }  // namespace
+
+std::optional<int> cli::pageOf(const std::string& text) {
+    if (text == "last") return -1;
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error == std::errc() && end == text.data() + text.size() && number >= 1) return number - 1;
+    wrong("--page", "this is neither a number from 1 on nor \"last\": " + text);
+    return std::nullopt;
+}
+
+std::optional<std::array<double, 4>> cli::rectangleOf(const std::string& text) {
+    std::array<double, 4> out{};
+    std::string_view rest = text;
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const std::size_t end = i + 1 < out.size() ? rest.find(',') : rest.size();
+        const std::optional<Length> length =
+            end == std::string_view::npos ? std::nullopt : lengthOf(rest.substr(0, end));
+        if (!length || length->percent) {
+            wrong("--rect", "these are no place and size such as 72,36,200,20 or 2cm,1cm,70mm,8mm: " + text);
+            return std::nullopt;
+        }
+        out[i] = length->amount;
+        rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+    return out;
+}
 
 std::optional<cli::Distance> cli::distanceOf(const std::string& text) {
     const std::size_t comma = text.find(',');

@@ -1,6 +1,7 @@
 // Where a visible signature goes: places and sizes as people give them, in the library's terms.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -38,5 +39,9 @@ std::optional<Distance> distanceOf(const std::string& text);
 void addPlacementOptions(const Parser& parser, PlacementOptions& options);
 /// Nothing after a complaint.
 std::optional<Placement> placementOf(const PlacementOptions& options);
+/// Index of a page counted from 1, -1 for "last"; nothing after a complaint.
+std::optional<int> pageOf(const std::string& text);
+/// Four lengths in points, e.g. of 72,36,70mm,1cm; nothing after a complaint.
+std::optional<std::array<double, 4>> rectangleOf(const std::string& text);
 
 }  // namespace cli

@@ -46,6 +46,8 @@ Parser Parser::command(const std::string& name, const std::string& description) 
     return Parser(app);
 }
 
+void Parser::requireCommand() const { app_->require_subcommand(1); }
+
 Parser Parser::group(const std::string& name, const std::string& description, std::size_t least,
                      std::size_t most) const {
     CLI::App* const app = app_->add_option_group(name, description);

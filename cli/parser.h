@@ -40,6 +40,8 @@ public:
     explicit Parser(CLI::App* app) : app_(app) {}
 
     [[nodiscard]] Parser command(const std::string& name, const std::string& description) const;
+    /// One of its commands must be given.
+    void requireCommand() const;
     /// Options of which `least` must be given and `most` may, 0 for any number.
     [[nodiscard]] Parser group(const std::string& name, const std::string& description, std::size_t least,
                                std::size_t most) const;

@@ -3,6 +3,8 @@
 
 #include "varnpdf/ByteStream.h"
 #include "varnpdf/Convert.h"
+#include "varnpdf/FontWidths.h"
+#include "varnpdf/FormfieldInfo.h"
 #include "varnpdf/MimeTypes.h"
 #include "varnpdf/Pdf.h"
 #include "varnpdf/PdfAttach.h"
@@ -12,6 +14,7 @@
 #include "varnpdf/PdfDoc.h"
 #include "varnpdf/PdfFields.h"
 #include "varnpdf/PdfForm.h"
+#include "varnpdf/PdfFormField.h"
 #include "varnpdf/PdfHelper.h"
 #include "varnpdf/PdfInfo.h"
 #include "varnpdf/PdfLockInfo.h"

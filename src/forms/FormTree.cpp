@@ -147,7 +147,9 @@ void FormTree::visit(Node node, std::vector<Node>& stack) {
             return !Dictionary(kid->content()).find("/T").empty();
         });
         field = kNoField;
-        if (!groups) {
+        if (groups) {
+            groups_.push_back({node.prefix, node.object});
+        } else {
             field = fields_.size();
             fields_.push_back({node.prefix, node.attributes, node.object, {}});
         }

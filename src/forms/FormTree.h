@@ -43,6 +43,12 @@ struct FormField {
     [[nodiscard]] unsigned flags() const;
 };
 
+/// A field that only holds others together.
+struct FormGroup {
+    std::string name;  ///< full name, UTF-8
+    CPdfObj* object = nullptr;
+};
+
 /// A field that the form does not reach; it shows its value all the same when it is a widget.
 FormField loneField(CPdfObj& object);
 
@@ -53,6 +59,8 @@ public:
     [[nodiscard]] Document& document() const { return document_; }
     /// Terminal fields in the order of the tree.
     [[nodiscard]] const std::vector<FormField>& fields() const { return fields_; }
+    /// Those above them, whether the form or only a page leads there.
+    [[nodiscard]] const std::vector<FormGroup>& groups() const { return groups_; }
     [[nodiscard]] std::string_view follow(std::string_view value) const override;
     /// The object a reference names, or null.
     [[nodiscard]] CPdfObj* object(std::string_view reference) const;
@@ -90,6 +98,7 @@ private:
     CPdfObj* formHolder_ = nullptr;
     bool formIsDirect_ = false;
     std::vector<FormField> fields_;
+    std::vector<FormGroup> groups_;
     std::size_t nameBytes_ = 0;
     std::unordered_set<const CPdfObj*> seen_;
     std::unordered_set<const CPdfObj*> arrays_;  // of kids that have been read

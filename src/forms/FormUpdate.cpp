@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "forms/TextLayout.h"
+#include "forms/Widget.h"
 #include "support/Text.h"
 #include "syntax/Dictionary.h"
 #include "syntax/Values.h"
@@ -29,70 +30,10 @@ std::u32string withLineFeeds(std::u32string_view value) {
     return out;
 }
 
-std::string colour(std::string_view array, bool fill) {
-    const std::vector<double> parts = numbersOf(array);
-    const char* const op = parts.size() == 1   ? (fill ? "g" : "G")
-                           : parts.size() == 3 ? (fill ? "rg" : "RG")
-                           : parts.size() == 4 ? (fill ? "k" : "K")
-                                               : nullptr;
-    std::string out;
-    if (op == nullptr) return out;
-    for (const double part : parts) append(out, decimal(part), ' ');
-    return out + op;
-}
-
-// Background and border of a widget (ISO 32000-2 12.5.6.19).
-std::string decoration(const Dictionary& look, const Dictionary& style, const TextBox& box, double border) {
-    std::string out;
-    const std::string background = colour(look.find("/BG"), true);
-    if (!background.empty()) {
-        append(out, "q\n", background, "\n0 0 ", decimal(box.width), ' ', decimal(box.height), " re\nf\nQ\n");
-    }
-    const std::string line = colour(look.find("/BC"), false);
-    if (line.empty() || border <= 0) return out;
-    append(out, "q\n", line, '\n', decimal(border), " w\n");
-    if (style.find("/S") == "/D") append(out, "[3] 0 d\n");
-    if (style.find("/S") == "/U") {
-        append(out, "0 ", decimal(border / 2), " m\n", decimal(box.width), ' ', decimal(border / 2), " l\nS\nQ\n");
-    } else {
-        append(out, decimal(border / 2), ' ', decimal(border / 2), ' ', decimal(box.width - border), ' ',
-               decimal(box.height - border), " re\nS\nQ\n");
-    }
-    return out;
-}
-
-// The box [0 0 w h] of an appearance that is turned by a multiple of 90 degrees, and its matrix.
-struct Frame {
-    TextBox box;
-    std::string matrix;
-};
-
-Frame frameOf(double width, double height, int rotation) {
-    switch ((rotation % 360 + 360) % 360) {
-        case 90:
-            return {{0, 0, height, width}, text("[0 1 -1 0 ", decimal(width), " 0]")};
-        case 180:
-            return {{0, 0, width, height}, text("[-1 0 0 -1 ", decimal(width), ' ', decimal(height), ']')};
-        case 270:
-            return {{0, 0, height, width}, text("[0 -1 1 0 0 ", decimal(height), ']')};
-        default:
-            return {{0, 0, width, height}, {}};
-    }
-}
-
-std::optional<TextBox> boxOf(std::string_view array) {
-    const std::vector<double> corners = numbersOf(array);
-    if (corners.size() < 4) return std::nullopt;
-    const TextBox box{std::min(corners[0], corners[2]), std::min(corners[1], corners[3]),
-                      std::abs(corners[2] - corners[0]), std::abs(corners[3] - corners[1])};
-    return box.width > 0 && box.height > 0 ? std::optional(box) : std::nullopt;
-}
-
-double borderWidth(const Dictionary& widget, const Dictionary& style, const References& references) {
-    const auto width = numberOf(references.follow(style.find("/W")));
-    if (width) return std::clamp(*width, 0.0, 100.0);
-    const std::vector<double> border = numbersOf(references.follow(widget.find("/Border")));
-    return border.size() >= 3 ? std::clamp(border[2], 0.0, 100.0) : 1;
+// A standard font, which needs no file (ISO 32000-2 9.6.2.2).
+std::string fontObject(int number, std::string_view baseFont) {
+    return text(number, " 0 obj\r\n", "<<\r\n/Type /Font\r\n/Subtype /Type1\r\n", "/BaseFont /", baseFont,
+                "\r\n/Encoding /WinAnsiEncoding\r\n>>\r\nendobj\r\n");
 }
 
 }  // namespace
@@ -103,8 +44,7 @@ struct FormUpdate::Shown {
     std::string codes;
     std::string fontEntry;  // value of the font in /Resources
     const FieldFont* font = nullptr;
-    std::string box;  // of an appearance made anew
-    std::string matrix;
+    Frame frame;  // of an appearance made anew
     std::string content;
     const CPdfObj* old = nullptr;      // appearance stream that is there
     std::optional<StreamParts> parts;  // of it, when its surroundings of the text are kept
@@ -150,6 +90,10 @@ void FormUpdate::setValue(const FormField& field, std::u32string_view value) {
         }
         showValue(field, *widget, shown);
     }
+}
+
+bool FormUpdate::canShow(std::u32string_view value) {
+    return FieldFont::helvetica().encode(withLineFeeds(value)).has_value();
 }
 
 FormUpdate::Shown FormUpdate::styleOf(const FormField& field, const Dictionary& widget) {
@@ -202,8 +146,7 @@ void FormUpdate::showValue(const FormField& field, CPdfObj& widget, std::u32stri
         shown.content = withMarkedText(shown.parts->data, text);
     } else {
         shown.content = decoration(look, lines, box, shown.style.border) + withMarkedText({}, text);
-        shown.box = varnpdf::text("[0 0 ", decimal(box.width), ' ', decimal(box.height), ']');
-        shown.matrix = frame.matrix;
+        shown.frame = frame;
     }
     writeAppearance(widget, shown);
 }
@@ -246,13 +189,23 @@ void FormUpdate::chooseFont(Shown& shown, std::string_view resources, std::u32st
     name = kSubstituteName;
 }
 
-std::string FormUpdate::substituteFont() {
-    if (substitute_ == 0) {
-        substitute_ = update_.reserve();
-        update_.put(substitute_, text(substitute_, " 0 obj\r\n", "<<\r\n/Type /Font\r\n/Subtype /Type1\r\n",
-                                      "/BaseFont /Helvetica\r\n/Encoding /WinAnsiEncoding\r\n>>\r\nendobj\r\n"));
-    }
-    return text(substitute_, " 0 R");
+std::string FormUpdate::putFont(std::string_view baseFont) {
+    const int number = update_.reserve();
+    update_.put(number, fontObject(number, baseFont));
+    return text(number, " 0 R");
+}
+
+const std::string& FormUpdate::substituteFont() {
+    if (substitute_.empty()) substitute_ = putFont("Helvetica");
+    return substitute_;
+}
+
+std::optional<std::string> FormUpdate::addFont(const std::string& name, std::string_view baseFont) {
+    const auto [known, isNew] = fontsOfForm_.try_emplace(name);
+    if (!isNew) return std::nullopt;
+    const auto font = fonts_.try_emplace(putFont(baseFont), FieldFont::from(fontObject(0, baseFont), tree_)).first;
+    known->second = font->first;
+    return font->first;
 }
 
 std::string FormUpdate::resourcesWith(std::string_view resources, const Shown& shown) {
@@ -272,14 +225,8 @@ void FormUpdate::writeAppearance(CPdfObj& widget, const Shown& shown) {
         if (made == 0) made = update_.reserve();
         number = made;
     }
-    std::string head = text(number, " 0 obj\r\n");
-    if (shown.parts) {
-        append(head, objectValue(shown.parts->head));
-    } else {
-        append(head, "<<\r\n/Type /XObject\r\n/Subtype /Form\r\n/BBox ", shown.box, "\r\n");
-        if (!shown.matrix.empty()) append(head, "/Matrix ", shown.matrix, "\r\n");
-        append(head, ">>");
-    }
+    std::string head = shown.parts ? text(number, " 0 obj\r\n", objectValue(shown.parts->head))
+                                   : appearanceHead(number, shown.frame, "");
     if (!shown.codes.empty()) {
         const std::string resources(part(Dictionary(head).find("/Resources")));
         if (fontEntry(resources, shown.style.appearance.font) != shown.fontEntry) {
@@ -344,13 +291,13 @@ void FormUpdate::updateForm() {
     }
 }
 
-int FormUpdate::write() {
+int FormUpdate::write(Update::Section section) {
     written_.reset();
     if (update_.empty()) return VARNPDF_OK;
     updateForm();
     written_.emplace(update_);
     written_->writeWaiting();
-    return written_->close({.section = Update::Section::Table});
+    return written_->close({.section = section});
 }
 
 std::vector<std::string_view> FormUpdate::pieces() const {

@@ -226,29 +226,6 @@ std::optional<std::string> textObject(int number, const Appearance& form, std::s
     return out;
 }
 
-namespace {
-
-std::string jpegObject(int number, const JpegPlane& plane, std::string_view colourSpace, std::string_view more) {
-    std::string out;
-    append(out, number, " 0 obj\r\n");
-    append(out, "<< \r\n    /Type /XObject\r\n   /Subtype /Image\r\n   /Filter /DCTDecode\r\n   /Length ",
-           plane.data.size(), "\r\n   /Width ", plane.width, "\r\n   /Height ", plane.height,
-           "\r\n   /BitsPerComponent 8\r\n   ", colourSpace, " \r\n   ", more, " \r\n>>\r\nstream\r\n", plane.data,
-           "\r\nendstream\r\nendobj\r\n");
-    return out;
-}
-
-}  // namespace
-
-std::string imageObject(int number, const Appearance& form) {
-    return jpegObject(number, form.picture->colour, form.picture->colourSpace,
-                      form.mask == 0 ? std::string{} : text("/SMask ", form.mask, " 0 R\r\n"));
-}
-
-std::string maskObject(int number, const Appearance& form) {
-    return jpegObject(number, form.picture->alpha, "/ColorSpace /DeviceGray", "");
-}
-
 std::string emptyObject(int number, const Appearance& form) {
     return text(number, " 0 obj\r\n", "<< \r\n/Matrix[", rotationMatrix(form.rotation),
                 "]\r\n/Type /XObject \r\n   /FormType 1\r\n   /Length 0\r\n   /Resources <<\r\n   >>\r\n",

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "signing/Image.h"
+#include "support/Image.h"
 
 namespace varnpdf {
 
@@ -36,8 +36,6 @@ std::string blankObject(int number, const Appearance& form);                    
 std::optional<std::string> questionObject(int number, const Appearance& form);  ///< /n1
 /// /n2: `content` shows the text.
 std::optional<std::string> textObject(int number, const Appearance& form, std::string_view content);
-std::string imageObject(int number, const Appearance& form);  ///< background image
-std::string maskObject(int number, const Appearance& form);   ///< its soft mask
 std::string emptyObject(int number, const Appearance& form);  ///< invisible signature: PDF/A wants a form
 
 }  // namespace varnpdf

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "signing/Image.h"
+#include "support/Image.h"
 #include "signing/Request.h"
 #include "signing/SignatureObjects.h"
 #include "writer/Update.h"

@@ -7,6 +7,7 @@
 #include "signing/TextLayer.h"
 #include "support/Loggers.h"
 #include "syntax/Dates.h"
+#include "writer/ImageObject.h"
 
 namespace varnpdf {
 namespace {
@@ -66,10 +67,10 @@ bool appendVisible(ObjectWriter& out, const Appearance& form, std::span<const Fo
     logDebug(loggers::pdf, form.layers ? "mit Adobe /n1,/n3-Layer (ALT!!) " : "ohne Adobe-Logo-Layer (std)");
     if (form.layers && !out.writeIfMade(questionObject(form.question, form))) return false;
     if (!out.writeIfMade(textObject(form.text, form, textLayer(form.width, form.height, fields)))) return false;
-    if (form.mask != 0) out.write(maskObject(form.mask, form));
+    if (form.mask != 0) out.write(maskObject(form.mask, *form.picture));
     if (form.image != 0) {
         logDebug(loggers::pdf, form.picture->colourType);
-        out.write(imageObject(form.image, form));
+        out.write(imageObject(form.image, *form.picture, form.mask));
     }
     return true;
 }

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "signing/Image.h"
+#include "support/Image.h"
 #include "syntax/Reference.h"
 #include "varnpdf/FormfieldInfo.h"
 #include "writer/Update.h"

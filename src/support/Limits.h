@@ -88,6 +88,8 @@ inline constexpr std::size_t kSoughtCharacters = 1'000;
 inline constexpr std::size_t kTextHits = 100'000;
 /// Longest XMP metadata whose dates are renewed.
 inline constexpr std::size_t kMetadataBytes = std::size_t{64} << 20U;
+/// Longest name of a new field in bytes.
+inline constexpr std::size_t kNewFieldName = 1'000;
 /// Stream data copied from a document; objects whose streams overlap could multiply it.
 inline constexpr std::size_t kCopiedBytesPerByte = 4;
 

@@ -18,6 +18,7 @@
     ROW(CPdfFieldContainer)      \
     ROW(CPdfFontContainer)       \
     ROW(CPdfForm)                \
+    ROW(CPdfFormField)           \
     ROW(CPdfHelper)              \
     ROW(CPdfInfo)                \
     ROW(CPdfLockInfo)            \
@@ -45,6 +46,7 @@
     ROW(FormfieldInfo_tag)       \
     ROW(SigPosStruct)            \
     ROW(pdf_dss_struct)          \
+    ROW(PdfNewField)             \
     ROW(PdfPage)                 \
     ROW(PdfPosition)             \
     ROW(PdfSignature)            \

@@ -1,9 +1,12 @@
 // Text of fields: strings, layout, replacing what an appearance shows.
 #include <gtest/gtest.h>
 
+#include "content/Glyphs.h"
 #include "forms/AppearanceContent.h"
 #include "forms/TextLayout.h"
+#include "syntax/Encoding.h"
 #include "syntax/Values.h"
+#include "varnpdf/FontWidths.h"
 
 namespace {
 
@@ -71,6 +74,34 @@ TEST(Appearance, OnlyTheShownTextChanges) {
 struct NoReferences : References {
     [[nodiscard]] std::string_view follow(std::string_view value) const override { return value; }
 };
+
+TEST(Font, WidthsAreThoseOfTheStandardFonts) {
+    struct Row {
+        const int* table;
+        StandardFace face;
+    };
+    const Row rows[] = {{Font_Helvetica, StandardFace::Helvetica},
+                        {Font_HelveticaBold, StandardFace::HelveticaBold},
+                        {Font_HelveticaOblique, StandardFace::Helvetica},
+                        {Font_HelveticaBoldOblique, StandardFace::HelveticaBold},
+                        {Font_TimesRoman, StandardFace::Times},
+                        {Font_TimesBold, StandardFace::TimesBold},
+                        {Font_TimesItalic, StandardFace::TimesItalic},
+                        {Font_TimesBoldItalic, StandardFace::TimesBoldItalic},
+                        {Font_Courier, StandardFace::Courier},
+                        {Font_CourierBold, StandardFace::Courier},
+                        {Font_CourierOblique, StandardFace::Courier},
+                        {Font_CourierBoldOblique, StandardFace::Courier}};
+    for (const auto& [table, face] : rows) {
+        for (std::size_t code = 0; code < 256; ++code) {
+            const Glyph* const glyph = glyphOf(winAnsiEncoding()[code]);
+            const int width = face == StandardFace::Courier ? 600
+                              : glyph == nullptr            ? 0
+                                                            : glyph->widths[static_cast<std::size_t>(face)];
+            EXPECT_EQ(table[code], glyph == nullptr ? 0 : width) << static_cast<int>(face) << ' ' << code;
+        }
+    }
+}
 
 TEST(Font, CodesAreTheFontsOwn) {
     struct Row {

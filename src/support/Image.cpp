@@ -1,5 +1,5 @@
-// The background image of a visible signature.
-#include "signing/Image.h"
+// A picture as JPEG data, by FreeImage or as it stands.
+#include "support/Image.h"
 
 #include <sys/stat.h>
 
@@ -8,7 +8,7 @@
 #include <memory>
 #include <string_view>
 
-#include "signing/FreeImageLibrary.h"
+#include "support/FreeImageLibrary.h"
 #include "support/JpegFrame.h"
 #include "support/Limits.h"
 #include "support/Log.h"

@@ -1,4 +1,4 @@
-// The background image of a visible signature as JPEG data.
+// A picture as JPEG data, for images in PDF.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,5 @@
 // FreeImage, loaded when the first PNG is.
-#include "signing/FreeImageLibrary.h"
+#include "support/FreeImageLibrary.h"
 
 #include <dlfcn.h>
 
